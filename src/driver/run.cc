@@ -1,0 +1,242 @@
+// The run sequence: options, files, banner, the include pass into a temporary file, then the global
+// area and the i-blocks in turn until the input is used up. The first error ends the run; whatever
+// has been written by then stays.
+#include "driver/run.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+
+#include "ddf/loops.h"
+#include "driver/files.h"
+#include "driver/run_state.h"
+#include "driver/version.h"
+#include "iblock/block_driver.h"
+#include "reader/include_pass.h"
+#include "reader/scanner.h"
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+
+struct Files {
+  std::FILE *input = nullptr;
+  std::FILE *temporary =
+      nullptr;  // the input with its includes; read in place of it after the include pass
+};
+
+bool cannotOpen(const char *name) {
+  std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
+  return false;
+}
+
+bool openWritten(const char *name, const char *mode, std::FILE *input, std::FILE *&file) {
+  file = openForWriting(name, mode, input);
+  return file != nullptr || cannotOpen(name);
+}
+
+// Opens all files in their fixed order; the first that cannot be opened ends the run at once.
+bool openFiles(RunState &run, Files &files) {
+  const Options &options = run.options;
+  files.input = openForReading(options.inputName);
+  if (files.input == nullptr) {
+    return cannotOpen(options.inputName);
+  }
+  if (!openWritten(options.outputName, options.midi ? "wb" : "w", files.input, run.output.file)) {
+    return false;
+  }
+  if (options.expansionName != nullptr &&
+      !openWritten(options.expansionName, "w", files.input, run.expansion.file)) {
+    return false;
+  }
+  files.temporary = openTemporary();
+  if (files.temporary == nullptr) {
+    std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
+    return false;
+  }
+  return options.logName == nullptr ||
+         openWritten(options.logName, "w", files.input, run.screen.log);
+}
+
+void sayBanner(RunState &run) {
+  const Options &options = run.options;
+  say(run.screen, kNameLine);
+  say(run.screen, kAuthorshipLine);
+  say(run.screen, kCreditLines);
+  say(run.screen, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ",
+      {options.inputName, options.outputName});
+  say(run.screen, options.midi ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n");
+  if (options.logName != nullptr) {
+    say(run.screen, "Log \t= \"%s\"\n", {options.logName});
+  }
+  if (options.expansionName != nullptr) {
+    say(run.screen, "MExp\t= \"%s\"\n", {options.expansionName});
+  }
+}
+
+// Copies the input with its includes into the temporary file and goes on reading from there.
+ErrorCode readIncludes(RunState &run, SourceReader &source, Files &files) {
+  int counter = 0;
+  ErrorCode error = include_pass(run.screen, files.input, files.temporary, counter);
+  std::fclose(files.input);
+  files.input = nullptr;
+  if (error > 0) {
+    return kAlreadyReported;
+  }
+  bool complete = std::fflush(files.temporary) == 0 && std::ferror(files.temporary) == 0;
+  if (!complete || std::fseek(files.temporary, 0, SEEK_SET) != 0) {
+    return kTemporaryFileLost;
+  }
+  source.input = files.temporary;
+  return kOk;
+}
+
+bool inputIsUsedUp(const SourceReader &source) { return std::feof(source.input) != 0; }
+
+bool lineIsUsedUp(const SourceReader &source) { return source.line[source.position] == '\0'; }
+
+// Reads on to the next i-block. At the end of the input the rest of the last line is passed over.
+ErrorCode scanToBlock(RunState &run, SourceReader &source) {
+  ErrorCode error = scan_to_next_iblock(run, source);
+  if (error == kEndOfInput) {
+    while (!lineIsUsedUp(source)) {
+      ++source.position;
+    }
+    return kOk;
+  }
+  return error;
+}
+
+// All i-blocks of the input, or under -m the first. `toTheEnd` tells whether the input has been
+// used up. A section that is still open is found only when nothing stands behind the last "}".
+ErrorCode runBlocks(RunState &run, SourceReader &source, bool &toTheEnd) {
+  toTheEnd = false;
+  ErrorCode error = scanToBlock(run, source);
+  while (error == kOk) {
+    error = BlockDriver(run, source);
+    if (error > 0) {
+      return error;
+    }
+    if (inputIsUsedUp(source) && lineIsUsedUp(source)) {
+      toTheEnd = true;
+      return NoConditionalOpen(run.conditional) ? kOk : kSectionLeftOpen;
+    }
+    if (run.options.midi) {
+      return kOk;
+    }
+    if (inputIsUsedUp(source)) {
+      toTheEnd = true;
+      return kOk;
+    }
+    error = scanToBlock(run, source);
+  }
+  return error;
+}
+
+bool closeWritten(const char *name, OutputBuffer &buffer) {
+  if (closeOutput(buffer)) {
+    return true;
+  }
+  std::fprintf(stderr, "\nERROR: Can't write \"%s\".\n\n", name);
+  return false;
+}
+
+bool closeLog(const char *name, std::FILE *&log) {
+  if (log == nullptr) {
+    return true;
+  }
+  bool failed = std::ferror(log) != 0;
+  bool closed = std::fclose(log) == 0;
+  log = nullptr;
+  if (failed || !closed) {
+    std::fprintf(stderr, "\nERROR: Can't write \"%s\".\n\n", name);
+  }
+  return closed && !failed;
+}
+
+// Frees and closes everything. False when something written has not reached its file.
+bool cleanUp(RunState &run, Files &files) {
+  releaseEvents(run.events);
+  freeLoop(run.pfield);
+  freeSegments(run.segments);
+  freeMacros(run.macros);
+  freeConstants(run.constants);
+  flushScreen(run.screen);
+  if (files.input != nullptr) {
+    std::fclose(files.input);
+  }
+  std::fclose(files.temporary);
+  bool complete = closeWritten(run.options.outputName, run.output);
+  complete = closeWritten(run.options.expansionName, run.expansion) && complete;
+  return closeLog(run.options.logName, run.screen.log) && complete;
+}
+
+ErrorCode runPiece(RunState &run, SourceReader &source, Files &files) {
+  ErrorCode error = readIncludes(run, source, files);
+  if (error > 0) {
+    return error;
+  }
+  bool toTheEnd = false;
+  error = runBlocks(run, source, toTheEnd);
+  if (error > 0) {
+    return error;
+  }
+  if (toTheEnd) {
+    if (!run.options.midi) {
+      append(run.output, "\ne\n", 3);
+    }
+    say(run.screen, "\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n",
+        {run.cumulativeSeconds});
+  }
+  return kOk;
+}
+
+int runWith(RunState &run, SourceReader &source) {
+  Files files;
+  if (!openFiles(run, files)) {
+    return kFailure;
+  }
+  run.screen.flushEveryMessage = isatty(fileno(stderr)) != 0;
+  sayBanner(run);
+  ErrorCode error = runPiece(run, source, files);
+  if (error > 0) {
+    reportError(run, source, error);
+  }
+  if (!cleanUp(run, files) || error > 0) {
+    return kFailure;
+  }
+  say(run.screen, "\n");
+  flushScreen(run.screen);
+  return kSuccess;
+}
+
+}  // namespace
+
+int runKorvo(int argc, const char *const *argv) {
+  Options options;
+  if (!parseOptions(argc, argv, options)) {
+    return kFailure;
+  }
+  if (!namesAreUnique(options)) {
+    std::fputs("\nERROR: You can't use a filename multiple times!\n\n", stderr);
+    return kFailure;
+  }
+  std::signal(SIGPIPE,
+              SIG_IGN);  // a closed pipe is a file that cannot be written, and is told like one
+  RunState *run = new (std::nothrow) RunState;
+  SourceReader *source = new (std::nothrow) SourceReader;
+  int status = kFailure;
+  if (run != nullptr && source != nullptr) {
+    run->options = options;
+    status = runWith(*run, *source);
+  } else {
+    std::fprintf(stderr, "\nERROR: %s\n\n", "Yikes, out of memory!");
+  }
+  delete source;
+  delete run;
+  return status;
+}
