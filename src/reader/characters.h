@@ -1,0 +1,13 @@
+// The classes of characters that the language knows. They are those of plain ASCII whatever the
+// user's locale is, so that a piece reads the same everywhere.
+#pragma once
+
+constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr char toLower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// What a macro, argument or constant name goes on with behind its first letter.
+constexpr bool isNamePart(char c) { return isLetter(c) || isDigit(c) || c == '_'; }

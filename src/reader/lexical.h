@@ -1,0 +1,41 @@
+// The small steps that all parsers share: over blanks, comments and separators, across line ends
+// where that is allowed. Besides what is said below, each returns the errors of `read_line` when it
+// needs a further line.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/error_code.h"
+
+struct RunState;
+struct SourceReader;
+
+enum CommentKind { kSemicolonComment, kNestingComment };
+
+// The character at the position; steps over it. The NUL at the end of the line is never stepped
+// over.
+char next_char(SourceReader &source);
+
+// White space on this line only.
+void skipBlanksInLine(const char *text, std::int32_t &position);
+
+// White space, further lines included; stops on the first other character. kEndOfInput when the
+// input ends first, with the position on the NUL.
+ErrorCode skip_blanks(RunState &run, SourceReader &source);
+
+// Whether a comment begins at the position, and which kind.
+bool is_comment_start(const SourceReader &source, CommentKind &kind);
+
+// One comment that begins at the position. ";" lasts to the end of the line; "/*" nests and may
+// last over many lines. kEndOfInput when the input ends inside it.
+ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind);
+
+// As skip_comment, where the end of the input inside the comment is error 25.
+ErrorCode skipClosedComment(RunState &run, SourceReader &source, CommentKind kind);
+
+// Blanks, at most one comment, blanks. The end of the input counts as success.
+ErrorCode skip_blanks_and_comments(RunState &run, SourceReader &source);
+
+// Blanks, at most one comment, one "," or one "/" (a comment may be followed by one of these),
+// blanks. The end of the input counts as success.
+ErrorCode skip_separator(RunState &run, SourceReader &source);

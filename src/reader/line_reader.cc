@@ -1,0 +1,194 @@
+// A physical line comes in; what leaves is the text that the parsers see. On its way the line is
+// cleaned, looked at for
+// `#if(` and `#endif`, and scanned twice: for macro calls ("$"), then for constant references
+// ("~"). Both scans leave comments alone; the first marks what belongs to a macro definition, and
+// the second leaves that alone too.
+#include "reader/line_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "driver/run_state.h"
+#include "preproc/conditional.h"
+#include "preproc/constants.h"
+#include "preproc/macro_call.h"
+#include "reader/characters.h"
+
+namespace {
+
+// A ">" at this position of the line does not turn definitions off, as it does everywhere else. An
+// oddity of old that pieces may rely on: a loop that ends exactly there leaves a "#" behind it free
+// to open a definition.
+constexpr std::int32_t kHarmlessLoopEnd = 85;
+
+// A line feed, a carriage return and the byte 255 become blanks, so no line contains a line end of
+// its own.
+void clean(char *line) {
+  for (; *line != '\0'; ++line) {
+    if (*line == '\n' || *line == '\r' || *line == '\xff') {
+      *line = ' ';
+    }
+  }
+}
+
+bool startsWith(const char *text, const char *word) {
+  return std::strncmp(text, word, std::strlen(word)) == 0;
+}
+
+// Steps over one character, or over both characters of a comment mark, and keeps the comment state.
+// Inside a comment only
+// "*/" counts, whichever mark opened it, and the line feed of a macro body for a comment that ";"
+// opened.
+void stepOver(const char *line, std::int32_t &p, CommentState &comment) {
+  if (comment == kNoComment) {
+    if (line[p] == ';') {
+      comment = kLineComment;
+    } else if (line[p] == '/' && line[p + 1] == '*') {
+      comment = kBlockComment;
+      ++p;
+    }
+  } else if (line[p] == '*' && line[p + 1] == '/') {
+    comment = kNoComment;
+    ++p;
+  } else if (line[p] == '\n' && comment == kLineComment) {
+    comment = kNoComment;
+  }
+  ++p;
+}
+
+void endLine(CommentState &comment) {
+  if (comment == kLineComment) {
+    comment = kNoComment;
+  }
+}
+
+void mark(SourceReader &source, std::int32_t from, std::int32_t to) {
+  std::fill(source.marked + from, source.marked + to, true);
+  source.markedLength = to;
+}
+
+// Expands the call whose "$" stands at `p` and moves `p` to where the scan goes on: at the first
+// inserted character, so that calls in the inserted text are expanded in turn. Behind a call that
+// opens the line the scan goes on at index 1, whatever was inserted: a call at the very beginning
+// of such a text stays as it is.
+ErrorCode expandCallAt(RunState &run, SourceReader &source, std::int32_t &p) {
+  bool opensLine = p == 0;
+  source.position = p + 1;
+  ErrorCode error = ExpandMacroCall(run, source, nullptr, source.line, source.position, 1);
+  if (error > 0) {
+    return error;
+  }
+  p = source.position;
+  if (opensLine && source.line[0] != '\0') {
+    p = 1;
+  }
+  return kOk;
+}
+
+// The macro scan, from the position to the end of the line.
+ErrorCode scanForMacros(RunState &run, SourceReader &source) {
+  const char *line = source.line;
+  CommentState comment = source.comment;
+  bool mayDefine = true;
+  std::int32_t p = source.position;
+  while (line[p] != '\0') {
+    if (comment == kNoComment) {
+      if (line[p] == '>' && p != kHarmlessLoopEnd) {
+        mayDefine = false;
+      }
+      if (line[p] == '#' && (source.definitionState > 0 || mayDefine)) {
+        bool opens = source.definitionState == 0;
+        if (opens && line[p + 1] != '\0' && std::strchr("ceiu", line[p + 1]) != nullptr) {
+          break;  // a statement of its own up to the end of the line
+        }
+        source.definitionState = (source.definitionState + 1) % 3;
+        mark(source, p, p + 1);
+        ++p;
+        continue;
+      }
+      if (line[p] == '$' && source.definitionState == 0) {
+        ErrorCode error = expandCallAt(run, source, p);
+        if (error > 0) {
+          return error;
+        }
+        continue;
+      }
+    }
+    std::int32_t from = p;
+    stepOver(line, p, comment);
+    if (source.definitionState > 0) {
+      mark(source, from, p);
+    }
+  }
+  source.position = 0;
+  return kOk;
+}
+
+// The constant scan, over the whole line. Where it ends decides in which comment state the next
+// line begins.
+ErrorCode scanForConstants(RunState &run, SourceReader &source) {
+  CommentState comment = source.comment;
+  std::int32_t p = 0;
+  while (source.line[p] != '\0') {
+    if (comment == kNoComment && source.line[p] == '~' && !source.marked[p]) {
+      source.position = p + 1;
+      ErrorCode error = ExpandConstRef(run, source);
+      if (error > 0) {
+        return error;
+      }
+      p = source.position;
+    } else {
+      stepOver(source.line, p, comment);
+    }
+  }
+  endLine(comment);
+  source.comment = comment;
+  source.position = 0;
+  return kOk;
+}
+
+void echoExpansion(RunState &run, const SourceReader &source) {
+  if (run.expansion.file != nullptr) {
+    append(run.expansion, source.line, std::strlen(source.line));
+    append(run.expansion, "\n", 1);
+  }
+}
+
+}  // namespace
+
+ErrorCode read_line(RunState &run, SourceReader &source) {
+  if (std::fgets(source.line, kLineBytes, source.input) == nullptr) {
+    return kEndOfInput;
+  }
+  ++source.lineCounter;
+  std::fill_n(source.marked, source.markedLength, false);
+  source.markedLength = 0;
+  source.expansions = 0;
+  clean(source.line);
+  source.position = 0;
+  if (source.skipping) {
+    return kOk;
+  }
+  while (isSpace(source.line[source.position])) {
+    ++source.position;
+  }
+  const char *start = source.line + source.position;
+  if (startsWith(start, "#if(")) {
+    ++source.position;
+    return OpenConditional(run, source);
+  }
+  if (startsWith(start, "#endif")) {
+    ++source.position;
+    return CloseConditional(run, source);
+  }
+  ErrorCode error = scanForMacros(run, source);
+  if (error > 0) {
+    return error;
+  }
+  error = scanForConstants(run, source);
+  if (error > 0) {
+    return error;
+  }
+  echoExpansion(run, source);
+  return kOk;
+}

@@ -1,0 +1,13 @@
+// The top-level scanner: the global area between i-blocks.
+#pragma once
+
+#include "driver/error_code.h"
+
+struct RunState;
+struct SourceReader;
+
+// Reads on from the next line, whatever is left of the present one, executes every global statement
+// and stops with the position on the "i" that opens an i-block. kEndOfInput when the input ends
+// first. Errors: 3 for a comment left open, 22 for anything that is neither statement, comment nor
+// blank, and those of the statements and of `read_line`.
+ErrorCode scan_to_next_iblock(RunState &run, SourceReader &source);
