@@ -1,0 +1,158 @@
+// A call is expanded from the inside: the arguments of a macro act as macros themselves while its
+// body is worked through, and only then does the body take the call's place. What has been inserted
+// is scanned again by whoever asked for the expansion, so a body may call further macros; the
+// limits on number, depth and length are what ends one that calls itself.
+#include "preproc/macro_call.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "driver/run_state.h"
+#include "preproc/line_edit.h"
+#include "preproc/names.h"
+#include "reader/characters.h"
+#include "reader/lexical.h"
+
+struct ArgumentList {
+  int count = 0;
+  std::string_view names[kMaxMacroParameters];
+  std::string_view texts[kMaxMacroParameters];
+};
+
+namespace {
+
+// What a name stands for: a macro, or an argument of the enclosing call (which has no parameters).
+struct Callee {
+  std::string_view name;
+  std::string_view body;
+  const Macro *macro = nullptr;  // null for an argument
+};
+
+int findArgument(const ArgumentList &arguments, std::string_view name) {
+  int i = arguments.count - 1;
+  while (i >= 0 && arguments.names[i] != name) {
+    --i;
+  }
+  return i;
+}
+
+bool findCallee(const RunState &run, const ArgumentList *scope, std::string_view name,
+                Callee &callee) {
+  int argument = scope != nullptr ? findArgument(*scope, name) : -1;
+  if (argument >= 0) {
+    callee = {scope->names[argument], scope->texts[argument], nullptr};
+    return true;
+  }
+  const auto *macro = static_cast<const Macro *>(findName(run.macros, name));
+  if (macro != nullptr) {
+    callee = {macro->name, macro->body, macro};
+  }
+  return macro != nullptr;
+}
+
+// Where the call that begins at the "$" at `p` ends in the text: behind its name and, when "("
+// follows the name directly, behind the ")" that balances it. So a macro without parameters
+// swallows what stands in parentheses behind it, and a blank before the "(" leaves the arguments in
+// the line.
+std::int32_t callEnd(const char *text, std::int32_t p) {
+  ++p;
+  takeName(text, p);
+  if (text[p] != '(') {
+    return p;
+  }
+  int open = 0;
+  do {
+    open += text[p] == '(' ? 1 : text[p] == ')' ? -1 : 0;
+    ++p;
+  } while (open > 0 && text[p] != '\0');
+  return p;
+}
+
+// The arguments of a call, from its "(". Each lasts to "'" or "#", the last one to ")"; everything
+// else, blanks, commas and parentheses included, belongs to the argument.
+ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &cursor,
+                        ArgumentList &arguments) {
+  skipBlanksInLine(text, cursor);
+  if (text[cursor] != '(') {
+    return kCallNeedsParenthesis;
+  }
+  ++cursor;
+  for (int i = 0; i < macro.argc; ++i) {
+    bool last = i == macro.argc - 1;
+    const char *terminators = last ? "')" : "'#";
+    std::int32_t begin = cursor;
+    cursor += static_cast<std::int32_t>(std::strcspn(text + cursor, terminators));
+    if (text[cursor] == '\0') {
+      return kCallNotClosed;
+    }
+    if (last && text[cursor] == '\'') {
+      return kTooManyArguments;
+    }
+    std::string_view argument(text + begin, static_cast<std::size_t>(cursor - begin));
+    ++cursor;
+    if (findArgument(arguments, macro.params[i]) >= 0) {
+      return kMacroExists;
+    }
+    arguments.names[arguments.count] = macro.params[i];
+    arguments.texts[arguments.count] = argument;
+    ++arguments.count;
+  }
+  return kOk;
+}
+
+// Expands all calls in the body of a macro with parameters. What a nested call inserts is scanned
+// as well, except that a call that stands at its very beginning is passed over.
+ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &arguments, char *body,
+                     int depth) {
+  std::int32_t p = 0;
+  while (body[p] != '\0') {
+    if (body[p] != '$') {
+      ++p;
+      continue;
+    }
+    std::int32_t cursor = p + 1;
+    ErrorCode error = ExpandMacroCall(run, source, &arguments, body, cursor, depth + 1);
+    if (error > 0) {
+      return error;
+    }
+    p = body[cursor] == '$' ? callEnd(body, cursor) : cursor;
+  }
+  return kOk;
+}
+
+}  // namespace
+
+ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
+                          char *text, std::int32_t &cursor, int depth) {
+  std::int32_t start = cursor - 1;
+  if (++source.expansions > kMaxExpansionsInLine || depth > kMaxCallDepth) {
+    cursor = start;
+    return kOutOfMemory;
+  }
+  std::string_view name = takeName(text, cursor);
+  Callee callee;
+  if (!findCallee(run, scope, name, callee)) {
+    return unknownName(run, source, "macro", name);
+  }
+  char body[kLineBytes];
+  if (callee.macro != nullptr && callee.macro->argc > 0) {
+    ArgumentList arguments;
+    ErrorCode error = readArguments(*callee.macro, text, cursor, arguments);
+    if (error > 0) {
+      return error;
+    }
+    body[callee.body.copy(body, kMaxLineLength)] = '\0';
+    error = expandBody(run, source, arguments, body, depth);
+    if (error > 0) {
+      return error;
+    }
+    callee.body = body;
+  }
+  char shownName[kLineBytes];
+  shownName[callee.name.copy(shownName, kMaxLineLength)] = '\0';
+  if (!run.options.silent) {
+    say(run.screen, "\n\tExpanding macro \"%s\" into line %d...", {shownName, source.lineCounter});
+  }
+  cursor = start;
+  return replaceInLine(text, start, callEnd(text, start), callee.body) ? kOk : kOutOfMemory;
+}

@@ -1,0 +1,22 @@
+// Macro calls: `$name` and `$name(first'second)` become the macro's body. The line reader calls
+// this for every call in a line, and the value of an `#if` may be one.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/error_code.h"
+
+struct RunState;
+struct SourceReader;
+struct ArgumentList;
+
+inline constexpr int kMaxExpansionsInLine = 4096;
+inline constexpr int kMaxCallDepth = 64;
+
+// Replaces the call in `text` (a line buffer) whose "$" stands before the cursor by its expansion,
+// and leaves the cursor on the first inserted character. `scope` holds the arguments of the
+// enclosing call, which hide macros of the same name; it is null for a call in the line itself.
+// `depth` is 1 there and grows with every call inside a call. Errors: 32 (too long, too many, too
+// deep), 82, 84, 85, 86, 1000.
+ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
+                          char *text, std::int32_t &cursor, int depth);

@@ -1,0 +1,35 @@
+#include "preproc/names.h"
+
+#include <cstring>
+
+#include "driver/run_state.h"
+#include "reader/characters.h"
+
+std::string_view takeName(const char *text, std::int32_t &position) {
+  std::int32_t first = position;
+  if (isLetter(text[position])) {
+    while (isNamePart(text[position])) {
+      ++position;
+    }
+  }
+  return {text + first, static_cast<std::size_t>(position - first)};
+}
+
+bool matchesLoosely(const char *text, std::string_view keyword) {
+  for (std::size_t i = 0; i < keyword.size() && text[i] != '\0'; ++i) {
+    if (text[i] == keyword[i]) {
+      return true;
+    }
+  }
+  return false;
+}
+
+ErrorCode unknownName(RunState &run, const SourceReader &source, const char *kind,
+                      std::string_view name) {
+  char text[kLineBytes];
+  std::memcpy(text, name.data(), name.size());
+  text[name.size()] = '\0';
+  say(run.screen, "\n\nERROR: Line %d: There is no %s \"%s\" in your input file!\n",
+      {source.lineCounter, kind, text});
+  return kContextOnly;
+}

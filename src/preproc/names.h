@@ -1,0 +1,24 @@
+// What macros and constants share: their names (a letter, then letters, digits and "_") and the
+// loose test of keywords.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "driver/error_code.h"
+
+struct RunState;
+struct SourceReader;
+
+inline constexpr int kMaxNameLength = 4095;
+
+// The name at the position, which moves behind it; empty when no letter stands there.
+std::string_view takeName(const char *text, std::int32_t &position);
+
+// Whether at least one character of `text` is that of `keyword` in its place. So "#unzzz" is taken
+// as "#undef".
+bool matchesLoosely(const char *text, std::string_view keyword);
+
+// Prints that there is no `kind` ("macro" or "constant") of that name. Returns kContextOnly.
+ErrorCode unknownName(RunState &run, const SourceReader &source, const char *kind,
+                      std::string_view name);
