@@ -1,0 +1,80 @@
+#include "ddf/event_list.h"
+
+#include <cstdlib>
+#include <cstring>
+
+void beginEvents(EventList &list, int parameters) {
+  list.parameters = static_cast<std::uint32_t>(parameters);
+  list.stride = static_cast<std::uint32_t>(sizeof(EventRecord) + sizeof(float) * list.parameters);
+}
+
+void releaseEvents(EventList &list) {
+  for (std::uint32_t i = 0; i < EventList::kChunkCount && list.chunks[i] != nullptr; ++i) {
+    std::free(list.chunks[i]);
+    list.chunks[i] = nullptr;
+  }
+  list.made = 0;
+  list.count = 0;
+  list.last = kNoEvent;
+}
+
+std::uint32_t makeEvent(EventList &list) {
+  if (list.made == kMaxRecords) {
+    return kNoEvent;
+  }
+  char *&chunk = list.chunks[list.made / EventList::kChunkEvents];
+  if (chunk == nullptr) {
+    chunk = static_cast<char *>(
+        std::malloc(static_cast<std::size_t>(EventList::kChunkEvents) * list.stride));
+    if (chunk == nullptr) {
+      return kNoEvent;
+    }
+  }
+  std::uint32_t event = list.made++;
+  std::memset(&eventAt(list, event), 0, list.stride);
+  return event;
+}
+
+void appendEvent(EventList &list, std::uint32_t event) {
+  EventRecord &record = eventAt(list, event);
+  if (list.last == kNoEvent) {
+    record.next = event;
+  } else {
+    EventRecord &last = eventAt(list, list.last);
+    record.next = last.next;
+    last.next = event;
+  }
+  list.last = event;
+  ++list.count;
+}
+
+std::uint32_t copyEventBehind(EventList &list, std::uint32_t event) {
+  std::uint32_t copy = list.count < kMaxEvents ? makeEvent(list) : kNoEvent;
+  if (copy == kNoEvent) {
+    return kNoEvent;
+  }
+  EventRecord &original = eventAt(list, event);
+  std::memcpy(&eventAt(list, copy), &original, list.stride);
+  original.next = copy;
+  if (list.last == event) {
+    list.last = copy;
+  }
+  ++list.count;
+  return copy;
+}
+
+std::uint32_t removeRests(EventList &list) {
+  std::uint32_t walked = list.count;
+  std::uint32_t event = firstEvent(list);
+  std::uint32_t before = list.count;
+  list.last = kNoEvent;
+  list.count = 0;
+  while (walked-- > 0) {
+    std::uint32_t next = eventAt(list, event).next;
+    if (!(eventAt(list, event).duration <= 0.0F)) {
+      appendEvent(list, event);
+    }
+    event = next;
+  }
+  return before - list.count;
+}

@@ -1,0 +1,70 @@
+// The events of one i-block: made by P2, filled by the other p-fields, written out, and released
+// all at once.
+//
+// Events live in an arena of large chunks, each event 20 bytes and 4 for every p-field from P4 up,
+// and are linked in the order of the score by their numbers. The list is circular and held by its
+// last event, so both ends are at hand.
+#pragma once
+
+#include <cstdint>
+
+inline constexpr std::uint32_t kNoEvent = 0xFFFFFFFFU;
+inline constexpr std::uint32_t kMaxEvents = 67108864;  // in one i-block
+inline constexpr std::uint32_t kMaxRecords =
+    2 * kMaxEvents;  // a MIDI file adds a note-off to every event
+
+struct EventRecord {
+  std::int32_t flag;  // 1: inserted to start together with the event before it. In a MIDI file 1
+                      // note-on, 0 note-off
+  float start;        // seconds
+  float duration;  // seconds; P2 leaves the rhythm here until P3 replaces it; 0 or less is a rest
+  float beat;      // the beat clock when the event was made
+  std::uint32_t next;  // the event behind it; of the last event, the first
+};
+
+struct EventList {
+  static constexpr std::uint32_t kChunkEvents = 1U << 14;
+  static constexpr std::uint32_t kChunkCount = kMaxRecords / kChunkEvents;
+
+  char *chunks[kChunkCount] = {};
+  std::uint32_t stride = 0;      // bytes of one event
+  std::uint32_t parameters = 0;  // p-fields from P4 up
+  std::uint32_t made = 0;        // events in the arena, unlinked ones included
+  std::uint32_t count = 0;       // events in the list
+  std::uint32_t last = kNoEvent;
+};
+
+// Makes the list ready for events of `parameters` values each; it must be empty.
+void beginEvents(EventList &list, int parameters);
+
+// Releases all events.
+void releaseEvents(EventList &list);
+
+// The event with this number, and its values from P4 up.
+inline EventRecord &eventAt(const EventList &list, std::uint32_t event) {
+  char *chunk = list.chunks[event / EventList::kChunkEvents];
+  return *reinterpret_cast<EventRecord *>(chunk + (event % EventList::kChunkEvents) * list.stride);
+}
+inline float *valuesOf(EventRecord &event) { return reinterpret_cast<float *>(&event + 1); }
+inline const float *valuesOf(const EventRecord &event) {
+  return reinterpret_cast<const float *>(&event + 1);
+}
+
+inline std::uint32_t firstEvent(const EventList &list) {
+  return list.last == kNoEvent ? kNoEvent : eventAt(list, list.last).next;
+}
+
+// Makes an event that is in no list yet, everything in it 0. kNoEvent when memory is refused or the
+// arena is full.
+std::uint32_t makeEvent(EventList &list);
+
+// Links `event` behind the last one.
+void appendEvent(EventList &list, std::uint32_t event);
+
+// Makes a copy of `event` and links it right behind it. kNoEvent when there is no room for it, or
+// when the block would have more than kMaxEvents.
+std::uint32_t copyEventBehind(EventList &list, std::uint32_t event);
+
+// Unlinks all rests (a duration of 0 or less; not-a-number is none) and returns how many there
+// were.
+std::uint32_t removeRests(EventList &list);

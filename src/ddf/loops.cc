@@ -1,0 +1,107 @@
+#include "ddf/loops.h"
+
+#include <cstdlib>
+
+#include "ddf/value_steps.h"
+#include "driver/run_state.h"
+
+namespace {
+
+// In P2 of a block measured in beats there is no number of events that an inserted one could raise.
+void raiseTarget(RunState &run) {
+  if (run.block.target != 0) {
+    ++run.block.target;
+  }
+}
+
+ErrorCode holdLastValue(RunState &run, const SourceReader &source) {
+  while (!blockIsFull(run)) {
+    bool shared = false;
+    ErrorCode error = applyValue(run, source, run.pfield.lastValue, shared);
+    if (error > 0) {
+      return error;
+    }
+  }
+  return kOk;
+}
+
+// Replays the loop until the block is full. Each inserted entry makes room for itself; the first
+// one's first turn has been provided for before the block was asked whether it is full.
+ErrorCode replayLoop(RunState &run, const SourceReader &source) {
+  const LoopRecord &loop = run.pfield.loop;
+  bool firstTurn = true;
+  for (std::uint32_t i = 0; !blockIsFull(run); i = (i + 1) % loop.count) {
+    const LoopEntry &entry = loop.entries[i];
+    if (entry.shared) {
+      run.pfield.insertRequest = true;
+      if (!firstTurn) {
+        raiseTarget(run);
+      }
+    }
+    firstTurn = false;
+    bool shared = false;
+    ErrorCode error = applyValue(run, source, entry.value, shared);
+    if (error > 0) {
+      return error;
+    }
+  }
+  return kOk;
+}
+
+}  // namespace
+
+bool loopMarker(PfieldState &pfield, char mark) {
+  bool opens = mark == '<';
+  if (opens ? pfield.looping || pfield.insertRequest : !pfield.looping) {
+    return false;
+  }
+  pfield.looping = opens;
+  return true;
+}
+
+bool recordValue(PfieldState &pfield, float value, bool shared) {
+  if (!pfield.looping) {
+    return true;
+  }
+  LoopRecord &loop = pfield.loop;
+  if (loop.count == loop.capacity) {
+    std::uint32_t capacity = loop.capacity == 0 ? 64 : loop.capacity * 2;
+    void *entries =
+        std::realloc(loop.entries, sizeof(LoopEntry) * static_cast<std::size_t>(capacity));
+    if (entries == nullptr) {
+      return false;
+    }
+    loop.entries = static_cast<LoopEntry *>(entries);
+    loop.capacity = capacity;
+  }
+  loop.entries[loop.count++] = {value, shared};
+  loop.hasUnshared = loop.hasUnshared || !shared;
+  return true;
+}
+
+ErrorCode completePfield(RunState &run, const SourceReader &source) {
+  const LoopRecord &loop = run.pfield.loop;
+  if (!loop.hasUnshared) {
+    return holdLastValue(run, source);
+  }
+  if (loop.entries[0].shared) {
+    raiseTarget(run);
+  }
+  return replayLoop(run, source);
+}
+
+void beginPfield(RunState &run, int number) {
+  PfieldState fresh;
+  fresh.number = number;
+  fresh.noteOctave = run.pfield.noteOctave;
+  fresh.loop.entries = run.pfield.loop.entries;
+  fresh.loop.capacity = run.pfield.loop.capacity;
+  run.pfield = fresh;
+  run.settings.dv = 0.0F;
+  run.settings.pf = 1.0F;
+}
+
+void freeLoop(PfieldState &pfield) {
+  std::free(pfield.loop.entries);
+  pfield.loop = LoopRecord{};
+}

@@ -1,0 +1,26 @@
+// Loops ("<" and ">") and the completion of p-fields that end before the block does.
+#pragma once
+
+#include "driver/error_code.h"
+
+struct PfieldState;
+struct RunState;
+struct SourceReader;
+
+// Opens a loop at "<" and closes it at ">". False when the mark is misplaced: ">" without an open
+// loop, "<" inside one or while a ":" waits for its value.
+bool loopMarker(PfieldState &pfield, char mark);
+
+// Records a value if a loop is open, with the flag whether its event was inserted. False when
+// memory is refused.
+bool recordValue(PfieldState &pfield, float value, bool shared);
+
+// Gives every event that has no value yet one: the values of the loop over and over, or, without a
+// loop, the last value. Draws as the value steps say, in the order of the events. Errors 32, 54.
+ErrorCode completePfield(RunState &run, const SourceReader &source);
+
+// Forgets everything of a p-field but the note octave, and begins p-field `number`.
+void beginPfield(RunState &run, int number);
+
+// Releases the loop's memory.
+void freeLoop(PfieldState &pfield);

@@ -1,0 +1,91 @@
+// Each distribution gives a weight in 0..1; the value is that far from low to high. Where a formula
+// is in double precision it is so for its logarithm, power or decimal constants; everything else is
+// single.
+#include "ddf/ranges.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "ddf/draw.h"
+#include "reader/characters.h"
+
+namespace {
+
+constexpr char kLetters[] = "flhtgxb";  // in the order of the types
+
+float drawNonZero() {
+  float u = 0.0F;
+  do {
+    u = drawUnit();
+  } while (u == 0.0F);
+  return u;
+}
+
+float uniform() { return drawUnit(); }
+
+float towardsLow() {
+  double logarithm = std::log(static_cast<double>(drawNonZero()));
+  return std::min(static_cast<float>(logarithm / static_cast<double>(-6.9078F)), 1.0F);
+}
+
+float towardsHigh() { return 1.0F - towardsLow(); }
+
+float triangular() {
+  float u1 = drawUnit();
+  float u2 = drawUnit();
+  return (u1 + u2) / 2.0F;
+}
+
+float bell() {
+  float sum = 0.0F;
+  for (int i = 0; i < 12; ++i) {
+    sum += drawUnit();
+  }
+  double weight = (static_cast<double>(sum) - 6.0) * 0.155 + 0.5;
+  return static_cast<float>(std::clamp(weight, 0.0, 1.0));
+}
+
+float doubleExponential() {
+  float t = 0.0F;
+  do {
+    t = 2.0F * drawUnit();
+  } while (t == 0.0F || t == 2.0F);
+  double sign = 1.0;
+  if (t > 1.0F) {
+    t = 2.0F - t;
+    sign = -1.0;
+  }
+  float weight = static_cast<float>(std::log(static_cast<double>(t)) * sign / 14.0);
+  return std::clamp(weight, -0.5F, 0.5F) + 0.5F;
+}
+
+float bothEnds() {
+  for (;;) {
+    float y1 = static_cast<float>(std::pow(static_cast<double>(drawNonZero()), 5.0));
+    float y2 = static_cast<float>(std::pow(static_cast<double>(drawNonZero()), 5.0));
+    if (y1 + y2 <= 1.0F) {
+      return y1 / (y1 + y2);
+    }
+  }
+}
+
+constexpr float (*kWeights[])() = {uniform, towardsLow,        towardsHigh, triangular,
+                                   bell,    doubleExponential, bothEnds};
+
+}  // namespace
+
+int takeDistribution(const char *text, std::int32_t &position) {
+  char letter = toLower(text[position]);
+  const char *found = letter == '\0' ? nullptr : std::strchr(kLetters, letter);
+  if (found == nullptr) {
+    return 0;
+  }
+  ++position;
+  return static_cast<int>(found - kLetters);
+}
+
+float drawFromRange(const Range &range) {
+  float weight = kWeights[range.distribution]();
+  return range.low + (range.high - range.low) * weight;
+}

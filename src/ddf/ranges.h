@@ -1,0 +1,22 @@
+// Random ranges and their seven distributions.
+#pragma once
+
+#include <cstdint>
+
+#include "ddf/segment_table.h"
+
+// The type letters that may open a bracket: none or "f" is type 0.
+//   0 f  uniform
+//   1 l  exponential, towards the low end
+//   2 h  exponential, towards the high end
+//   3 t  triangular, the mean of two draws
+//   4 g  bell-shaped, from the sum of twelve draws
+//   5 x  double exponential around the middle
+//   6 b  both ends likelier than the middle
+// Takes a letter (either case) at the position and gives its type; type 0 and nothing taken when
+// there is none.
+int takeDistribution(const char *text, std::int32_t &position);
+
+// A value of the range. Draws: type 0 one; 1 and 2 one, again while it is 0; 3 two; 4 twelve; 5
+// one, again while it is 0 or 1; 6 pairs (each again while 0) until the pair fits.
+float drawFromRange(const Range &range);

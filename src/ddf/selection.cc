@@ -1,0 +1,40 @@
+#include "ddf/selection.h"
+
+#include <cstring>
+
+#include "ddf/draw.h"
+
+ErrorCode beginSelection(SegmentTable &table, Selection &selection, std::uint32_t count) {
+  if (count == 1) {
+    selection.mode = kFree;
+  }
+  selection.used = 0;
+  selection.lastIndex = -1;
+  selection.flags = table.usedFlags.count;
+  if (selection.mode != kExhaustive) {
+    return kOk;
+  }
+  return addFlags(table.usedFlags, count) ? kOk : kOutOfMemory;
+}
+
+std::uint32_t selectIndex(SegmentTable &table, Selection &selection, std::uint32_t count) {
+  std::uint32_t index = drawIndex(count);
+  if (selection.mode == kNoRepeat) {
+    while (index == selection.lastIndex) {
+      index = drawIndex(count);
+    }
+  } else if (selection.mode == kExhaustive) {
+    unsigned char *used = table.usedFlags.items + selection.flags;
+    if (selection.used == count) {
+      std::memset(used, 0, count);
+      selection.used = 0;
+    }
+    while (used[index] != 0) {
+      index = drawIndex(count);
+    }
+    used[index] = 1;
+    ++selection.used;
+  }
+  selection.lastIndex = index;
+  return index;
+}

@@ -1,0 +1,57 @@
+// How a value reaches an event. Plain data, repeats, loops, completion and data functions all come
+// through the same three steps: the start step makes an event of P2's value, the duration step
+// gives P3's to the next event, the parameter step any other.
+//
+// Draws: every step deviates, and a deviation takes its draw even when RD and DV are 0. The start
+// and the parameter step take one draw, the duration step two.
+#pragma once
+
+#include <cstdint>
+
+#include "ddf/event_list.h"
+#include "driver/error_code.h"
+
+struct RunState;
+struct SourceReader;
+
+// Whether the block has all the events that its length asks for: by number where that is known,
+// else by the beat clock.
+bool blockIsFull(const RunState &run);
+
+// Starts the beat clock of a block: at the block's start in beats, measured with the tempo there.
+void startClock(RunState &run);
+
+enum class ZeroInterval { kAllowed, kError };
+
+// Makes the next event of P2: `value` in beats is its rhythm. With ZeroInterval::kError a rhythm
+// that converts to 0, or is too small to move the clock, is error 54 in a block measured in beats;
+// there more than 65,536 events in a row that do not move the clock are that error in any case.
+// Error 32 when there is no room for the event. One draw.
+ErrorCode startStep(RunState &run, float value, ZeroInterval zero);
+
+// The event that the next value of P3 and above belongs to. With an insert request pending it is a
+// copy of the event filled last, made right behind it; `shared` tells whether it is. Error 32.
+ErrorCode nextEvent(RunState &run, EventRecord *&event, bool &shared);
+
+// Makes that copy at once, if a request is pending, so that the event filled next is the copy;
+// `shared` is then true and the request has been met. For data functions, whose events are counted
+// before they are filled. Error 32.
+ErrorCode insertPending(RunState &run, bool &shared);
+
+// The event behind the one filled last, whether or not it is filled next.
+std::uint32_t peekNextEvent(const RunState &run);
+
+// Gives `event` its duration from the P3 value `value`, by its band: a factor of the rhythm (below
+// 200), the rhythm plus (200), the rhythm less (300), beats (400), seconds (1000). May warn (1).
+// Two draws: RD, then DV.
+void durationStep(RunState &run, const SourceReader &source, EventRecord &event, float value);
+
+// Stores `value` in `event` for the present p-field, P4 or above, deviated, rounded to whole
+// semitones where the input mode is NO or OP without quarter tones, times PF. Returns the value
+// before PF. One draw.
+float parameterStep(RunState &run, EventRecord &event, float value);
+
+// The one way of a value that stands in the text, is repeated, replayed or held: through the step
+// of its p-field. In NO mode from P4 on a negative value (a rest) negates the event's duration.
+// `shared` tells whether its event was inserted. Errors 32, 54.
+ErrorCode applyValue(RunState &run, const SourceReader &source, float value, bool &shared);
