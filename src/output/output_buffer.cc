@@ -1,0 +1,42 @@
+// Bytes come in piece by piece and leave in blocks.
+#include "output/output_buffer.h"
+
+#include <cstring>
+
+namespace {
+
+void flush(OutputBuffer &buffer) {
+  if (std::fwrite(buffer.bytes, 1, buffer.used, buffer.file) != buffer.used) {
+    buffer.failed = true;
+  }
+  buffer.used = 0;
+}
+
+}  // namespace
+
+char *room(OutputBuffer &buffer, std::size_t length) {
+  if (sizeof buffer.bytes - buffer.used < length) {
+    flush(buffer);
+  }
+  return buffer.bytes + buffer.used;
+}
+
+void taken(OutputBuffer &buffer, const char *end) {
+  buffer.used = static_cast<std::size_t>(end - buffer.bytes);
+}
+
+void append(OutputBuffer &buffer, const char *bytes, std::size_t length) {
+  char *place = room(buffer, length);
+  std::memcpy(place, bytes, length);
+  taken(buffer, place + length);
+}
+
+bool closeOutput(OutputBuffer &buffer) {
+  if (buffer.file == nullptr) {
+    return true;
+  }
+  flush(buffer);
+  bool closed = std::fclose(buffer.file) == 0;
+  buffer.file = nullptr;
+  return closed && !buffer.failed;
+}

@@ -1,0 +1,25 @@
+// Text and bytes on their way into a file: one large buffer in front of the stream. A write that
+// fails is remembered and asked for once, when the file is closed.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+struct OutputBuffer {
+  std::FILE *file = nullptr;
+  std::size_t used = 0;
+  bool failed = false;  // something could not be written
+  char bytes[1 << 17];
+};
+
+// Room for `length` bytes (at most 4096); the caller fills it and calls `taken` with the end of
+// what it wrote.
+char *room(OutputBuffer &buffer, std::size_t length);
+void taken(OutputBuffer &buffer, const char *end);
+
+// Appends `length` bytes.
+void append(OutputBuffer &buffer, const char *bytes, std::size_t length);
+
+// Writes out what is gathered and closes the file, if it is open. True when every byte has reached
+// the file.
+bool closeOutput(OutputBuffer &buffer);
