@@ -1,6 +1,7 @@
 #include "ddf/value_steps.h"
 
 #include <cmath>
+#include <cstdio>
 
 #include "ddf/draw.h"
 #include "driver/run_state.h"
@@ -22,6 +23,11 @@ bool isMeasuredInBeats(const RunState &run) { return run.block.target == 0; }
 void countEvent(RunState &run) {
   ++run.pfield.filled;
   run.pfield.dataSeen = true;
+  if (countProgress(run.progress)) {
+    char stage[16];
+    std::snprintf(stage, sizeof stage, "P%d", run.pfield.number);
+    drawProgress(run, stage, run.pfield.filled);
+  }
 }
 
 // Where the new event starts: with the event before it when that was asked for, else behind it.

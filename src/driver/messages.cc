@@ -11,7 +11,20 @@
 
 namespace {
 
+// A message may have left the cursor in the middle of a line: the passing line is drawn behind it,
+// and wiped by going back to where the cursor was and erasing from there.
+constexpr const char *kRememberCursor = "\0337  ";
+constexpr const char *kWipeLine = "\0338\033[J";
+
+void wipePassingLine(Screen &screen) {
+  if (screen.lineShown) {
+    std::fputs(kWipeLine, stderr);
+    screen.lineShown = false;
+  }
+}
+
 void gather(Screen &screen, std::FILE *stream, const char *bytes, std::size_t length) {
+  wipePassingLine(screen);
   if (screen.stream != stream) {
     flushScreen(screen);
     screen.stream = stream;
@@ -79,7 +92,7 @@ void putLineAndCaret(Screen &screen, const SourceReader &source) {
 }
 
 void endMessage(Screen &screen) {
-  if (screen.flushEveryMessage) {
+  if (screen.isTerminal) {
     flushScreen(screen);
   }
 }
@@ -93,6 +106,13 @@ void flushScreen(Screen &screen) {
     screen.used = 0;
   }
   screen.stream = nullptr;
+}
+
+void showPassingLine(Screen &screen, const char *line) {
+  wipePassingLine(screen);
+  std::fputs(kRememberCursor, stderr);
+  std::fputs(line, stderr);
+  screen.lineShown = true;
 }
 
 void say(Screen &screen, const char *format, std::initializer_list<MessageArgument> arguments) {

@@ -22,7 +22,8 @@ struct Screen {
   std::FILE *stream =
       nullptr;  // where the gathered bytes belong: stderr or stdout; null when there are none
   std::size_t used = 0;
-  bool flushEveryMessage = false;  // standard error is a terminal
+  bool isTerminal = false;  // standard error is a terminal: every message is written at once
+  bool lineShown = false;   // a passing line stands on the terminal
   char bytes[1 << 16];
 };
 
@@ -48,6 +49,10 @@ void say(Screen &screen, const char *format, std::initializer_list<MessageArgume
 
 // Prints `text` on standard output, in true order with the messages before and after it.
 void sayOnStandardOutput(Screen &screen, const char *text, std::size_t length);
+
+// Shows `line` on the terminal in place of the passing line shown before it. The next message wipes
+// it away.
+void showPassingLine(Screen &screen, const char *line);
 
 // Writes out what has been gathered.
 void flushScreen(Screen &screen);

@@ -200,7 +200,7 @@ int runWith(RunState &run, SourceReader &source) {
   if (!openFiles(run, files)) {
     return kFailure;
   }
-  run.screen.flushEveryMessage = isatty(fileno(stderr)) != 0;
+  run.screen.isTerminal = isatty(fileno(stderr)) != 0;
   sayBanner(run);
   ErrorCode error = runPiece(run, source, files);
   if (error > 0) {

@@ -8,6 +8,7 @@
 #include "ddf/settings.h"
 #include "driver/messages.h"
 #include "driver/options.h"
+#include "driver/progress.h"
 #include "global/tempo_map.h"
 #include "iblock/block_state.h"
 #include "output/output_buffer.h"
@@ -20,6 +21,7 @@
 struct RunState {
   Options options;
   Screen screen;
+  Progress progress;
   OutputBuffer output;     // the score or the MIDI file
   OutputBuffer expansion;  // the file of -x; its stream is null without
 

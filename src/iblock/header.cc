@@ -156,6 +156,7 @@ void beginBlock(RunState &run) {
   releaseEvents(run.events);
   beginEvents(run.events, run.block.header.pfieldCount - kMinPfields);
   startClock(run);
+  beginProgress(run);
 }
 
 }  // namespace

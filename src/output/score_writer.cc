@@ -88,6 +88,9 @@ bool ScoreWriter(RunState &run) {
     const EventRecord &record = eventAt(run.events, event);
     writeEvent(run, columns, record);
     event = record.next;
+    if (countProgress(run.progress)) {
+      drawProgress(run, "score", run.events.count - left);
+    }
   }
   append(run.output, "\n", 1);
   return true;
