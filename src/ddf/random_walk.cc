@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr float kNarrowestWindow = 0.00001F;  // a narrower one leaves the walk where it is
+constexpr double kNarrowestWindow = 0.00001;  // a narrower one leaves the walk where it is
 
 // Reads a bound and the separator behind it.
 ErrorCode readBound(RunState &run, SourceReader &source, float &bound) {
@@ -95,7 +95,7 @@ ErrorCode readWalkSegment(RunState &run, SourceReader &source, Segment &segment)
 ErrorCode walkValue(RunState & /*run*/, Segment &segment, const Moment & /*moment*/, float &value) {
   const Range &range = segment.first;
   value = range.low + (range.high - range.low) * segment.walkPosition;
-  if (segment.window < kNarrowestWindow) {
+  if (static_cast<double>(segment.window) < kNarrowestWindow) {
     drawUnit();
   } else {
     segment.walkPosition = stepWithin(segment.walkPosition, segment.window);

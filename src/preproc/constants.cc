@@ -23,6 +23,7 @@ constexpr std::string_view kConst = "const";
 // What a reference came to, and what the message calls it.
 struct Reference {
   double value = 0.0;
+  bool isEquation = false;  // its "]" is still to be stepped over
   char shownName[kLineBytes] = "";
 };
 
@@ -58,15 +59,8 @@ ErrorCode readRunVariable(const RunState &run, SourceReader &source, Reference &
 
 ErrorCode readEquation(RunState &run, SourceReader &source, Reference &reference) {
   nameReference(reference, "equation");
-  ErrorCode error = EvaluateEquation(run, source, reference.value);
-  if (error > 0) {
-    return error;
-  }
-  if (!std::isfinite(reference.value)) {
-    return kBadTermCount;
-  }
-  ++source.position;
-  return kOk;
+  reference.isEquation = true;
+  return EvaluateEquation(run, source, reference.value);
 }
 
 ErrorCode readReference(RunState &run, SourceReader &source, Reference &reference) {
@@ -163,14 +157,14 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
   if (error > 0) {
     return error;
   }
-  if (!std::isfinite(reference.value)) {
-    return kBadTermCount;
-  }
   if (!run.options.silent) {
     say(run.screen, "\n\tExpanding const \"%s\" (%f) into line %d...",
         {reference.shownName, reference.value, source.lineCounter});
   }
-  std::int32_t end = source.position;
+  if (!std::isfinite(reference.value)) {
+    return kBadTermCount;
+  }
+  std::int32_t end = source.position + (reference.isEquation ? 1 : 0);
   char text[kConstTextBytes];
   char *textEnd = FormatConstValue(text, reference.value);
   source.position = start;
