@@ -77,6 +77,9 @@ ErrorCode makeEvents(RunState &run, const SourceReader &source, const Generator 
   moment.inBeats = !(span < 0.0F);
   moment.length = span;
   moment.count = moment.inBeats ? 0 : eventsOfSpan(span);
+  if (!moment.inBeats && exceedsBlock(run, moment.count)) {
+    return kOutOfMemory;
+  }
   for (; moment.inBeats ? moment.elapsed < span : moment.index < moment.count; ++moment.index) {
     if (blockIsFull(run)) {
       truncateData(run, source);

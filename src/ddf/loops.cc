@@ -80,6 +80,9 @@ bool recordValue(PfieldState &pfield, float value, bool shared) {
 }
 
 ErrorCode completePfield(RunState &run, const SourceReader &source) {
+  if (run.pfield.number == 2 && exceedsBlock(run, run.block.target)) {
+    return kOutOfMemory;
+  }
   const LoopRecord &loop = run.pfield.loop;
   if (!loop.hasUnshared) {
     return holdLastValue(run, source);

@@ -1,5 +1,6 @@
 #include "ddf/value_steps.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -77,6 +78,12 @@ float durationCode(float magnitude) {
 bool blockIsFull(const RunState &run) {
   return isMeasuredInBeats(run) ? run.tempo.beat >= run.block.endBeat
                                 : run.pfield.filled >= run.block.target;
+}
+
+bool exceedsBlock(const RunState &run, std::int64_t more) {
+  std::int64_t wanted = std::min(more, run.block.target - run.pfield.filled);
+  return !isMeasuredInBeats(run) &&
+         wanted > static_cast<std::int64_t>(kMaxEvents - run.events.count);
 }
 
 void startClock(RunState &run) {

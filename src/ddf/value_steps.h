@@ -18,6 +18,10 @@ struct SourceReader;
 // else by the beat clock.
 bool blockIsFull(const RunState &run);
 
+// Whether a block measured in events can never get `more` further events in P2, so that it is no
+// use to begin with them: error 32 would be certain after many seconds.
+bool exceedsBlock(const RunState &run, std::int64_t more);
+
 // Starts the beat clock of a block: at the block's start in beats, measured with the tempo there.
 void startClock(RunState &run);
 
