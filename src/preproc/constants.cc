@@ -175,8 +175,8 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
 char *FormatConstValue(char *out, double value) {
   if (value < 0.0) {
     *out++ = '-';
-    value = -value;
   }
+  value = std::fabs(value);
   double whole = std::trunc(value);
   out = std::to_chars(out, out + kConstTextBytes, whole, std::chars_format::fixed, 0).ptr;
   *out++ = '.';

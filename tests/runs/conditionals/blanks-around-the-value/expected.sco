@@ -1,0 +1,4 @@
+
+ in 
+ behind 
+e

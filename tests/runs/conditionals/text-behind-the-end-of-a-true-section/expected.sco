@@ -1,0 +1,3 @@
+
+ $nope ~nope 
+e

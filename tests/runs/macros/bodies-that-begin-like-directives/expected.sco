@@ -1,0 +1,3 @@
+
+ const yes endif yes undef yes if(1) yes 
+e

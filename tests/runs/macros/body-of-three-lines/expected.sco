@@ -1,0 +1,5 @@
+
+ one 
+two 
+three. 
+e

@@ -1,0 +1,3 @@
+
+ a one two b 
+e

@@ -1,0 +1,6 @@
+
+ x 1 
+1 
+ kept 
+ last ; $m 
+e

@@ -1,0 +1,4 @@
+
+ a ; note # still body# 
+c 
+e

@@ -1,0 +1,3 @@
+
+ small large 
+e

@@ -1,0 +1,4 @@
+
+ a ; $nope 
+ b /* $nope */ c 
+e

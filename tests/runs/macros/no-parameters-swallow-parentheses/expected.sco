@@ -1,0 +1,3 @@
+
+ bodyy body body (z) 
+e
