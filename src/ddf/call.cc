@@ -33,7 +33,7 @@ ErrorCode readSegment(RunState &run, SourceReader &source, const Generator &gene
     error = skip_separator(run, source);
   }
   if (error <= 0 && generator.checkSegment != nullptr) {
-    error = generator.checkSegment(run);
+    error = generator.checkSegment(run, segment);
   }
   return error;
 }
@@ -91,12 +91,11 @@ ErrorCode makeEvents(RunState &run, const SourceReader &source, const Generator 
       return error;
     }
     run.pfield.lastValue = value;
-    bool shared = run.pfield.insertRequest;
     error = startStep(run, value, ZeroInterval::kAllowed);
     if (error > 0) {
       return error;
     }
-    if (!recordValue(run.pfield, value, shared)) {
+    if (!recordValue(run.pfield, value)) {
       return kOutOfMemory;
     }
     moment.elapsed += run.block.lastRhythm;
@@ -105,8 +104,7 @@ ErrorCode makeEvents(RunState &run, const SourceReader &source, const Generator 
 }
 
 // The value's way to its event, from P3 on.
-ErrorCode storeValue(RunState &run, const SourceReader &source, EventRecord &event, float value,
-                     bool shared) {
+ErrorCode storeValue(RunState &run, const SourceReader &source, EventRecord &event, float value) {
   if (run.pfield.inputMode == kIN) {
     value = roundHalfUp(value);
   }
@@ -116,13 +114,12 @@ ErrorCode storeValue(RunState &run, const SourceReader &source, EventRecord &eve
   } else {
     value = parameterStep(run, event, value);
   }
-  return recordValue(run.pfield, value, shared) ? kOk : kOutOfMemory;
+  return recordValue(run.pfield, value) ? kOk : kOutOfMemory;
 }
 
 // P3 and above: every value goes to the next event of the span.
 ErrorCode fillEvents(RunState &run, const SourceReader &source, const Generator &generator) {
-  bool firstIsShared = false;
-  ErrorCode error = insertPending(run, firstIsShared);
+  ErrorCode error = insertPending(run);
   if (error > 0) {
     return error;
   }
@@ -139,8 +136,7 @@ ErrorCode fillEvents(RunState &run, const SourceReader &source, const Generator 
     }
     Segment &segment = chooseSegment(run.segments);
     EventRecord *event = nullptr;
-    bool shared = false;
-    error = nextEvent(run, event, shared);
+    error = nextEvent(run, event);
     if (error > 0) {
       return error;
     }
@@ -151,7 +147,7 @@ ErrorCode fillEvents(RunState &run, const SourceReader &source, const Generator 
     if (error > 0) {
       return error;
     }
-    error = storeValue(run, source, *event, value, moment.index == 0 && firstIsShared);
+    error = storeValue(run, source, *event, value);
     if (error > 0) {
       return error;
     }

@@ -141,7 +141,7 @@ ErrorCode readExpressionSegment(RunState &run, SourceReader &source, Segment &se
 }
 
 // A segment of numbers alone is fine behind one that has named a p-field.
-ErrorCode checkExpressionSegment(const RunState &run) {
+ErrorCode checkExpressionSegment(const RunState &run, const Segment & /*segment*/) {
   return run.segments.referenceSeen ? kOk : kReferenceMissing;
 }
 

@@ -33,7 +33,7 @@ struct Generator {
   // Reads what stands behind a segment's percentage and separator.
   ErrorCode (*readSegment)(RunState &run, SourceReader &source, Segment &segment);
   // What is checked when the separator behind a segment has been read; null for nothing.
-  ErrorCode (*checkSegment)(const RunState &run);
+  ErrorCode (*checkSegment)(const RunState &run, const Segment &segment);
   // The value of `segment` at this moment.
   ErrorCode (*value)(RunState &run, Segment &segment, const Moment &moment, float &value);
 };
@@ -53,6 +53,7 @@ ErrorCode walkValue(RunState &run, Segment &segment, const Moment &moment, float
 // MO, a range that moves to a second one. Draws from the first, then from the second. Errors 37,
 // 39, 41, 63, 64, 72.
 ErrorCode readMoveSegment(RunState &run, SourceReader &source, Segment &segment);
+ErrorCode checkMoveSegment(const RunState &run, const Segment &segment);
 ErrorCode moveValue(RunState &run, Segment &segment, const Moment &moment, float &value);
 
 // SE, a selection from a list. One draw, in the modes "*" and "x" again until it fits. Errors 32,
@@ -64,7 +65,7 @@ ErrorCode selectValue(RunState &run, Segment &segment, const Moment &moment, flo
 // at an event.
 ErrorCode beginExpression(RunState &run, SourceReader &source);
 ErrorCode readExpressionSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode checkExpressionSegment(const RunState &run);
+ErrorCode checkExpressionSegment(const RunState &run, const Segment &segment);
 ErrorCode expressionValue(RunState &run, Segment &segment, const Moment &moment, float &value);
 
 // MS, a choice between two lists whose odds move. Two draws: which list, which value. Errors 32,

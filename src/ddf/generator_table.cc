@@ -5,7 +5,7 @@ namespace {
 constexpr Generator kGenerators[] = {
     {kRA, kPercentageExpected, nullptr, readRandomSegment, nullptr, randomValue},
     {kRW, kPercentageExpected, nullptr, readWalkSegment, nullptr, walkValue},
-    {kMO, kPercentageExpected, nullptr, readMoveSegment, nullptr, moveValue},
+    {kMO, kPercentageExpected, nullptr, readMoveSegment, checkMoveSegment, moveValue},
     {kSE, kPercentageExpected, nullptr, readSelectSegment, nullptr, selectValue},
     {kEX, kBadEquationData, beginExpression, readExpressionSegment, checkExpressionSegment,
      expressionValue},

@@ -85,23 +85,21 @@ ErrorCode readS2Segment(RunState &run, SourceReader &source, Segment &segment) {
 constexpr Generator kS2Arguments = {kS2,    kPercentageExpected, beginS2, readS2Segment, nullptr,
                                     nullptr};
 
-// Gives the values of a group to the next event and to copies of it. `firstIsShared` tells whether
-// that event is itself a copy.
-ErrorCode fillGroup(RunState &run, const Group &group, bool firstIsShared) {
+// Gives the values of a group to the next event and to copies of it.
+ErrorCode fillGroup(RunState &run, const Group &group) {
   float value = 0.0F;
   for (std::uint32_t i = 0; i < group.values.count; ++i) {
     bool inserts = i > 0;
     run.pfield.insertRequest = inserts;
     run.block.target += inserts ? 1 : 0;
     EventRecord *event = nullptr;
-    bool shared = false;
-    ErrorCode error = nextEvent(run, event, shared);
+    ErrorCode error = nextEvent(run, event);
     if (error > 0) {
       return error;
     }
     value = run.segments.values.items[group.values.first + i];
     float stored = parameterStep(run, *event, value);
-    if (!recordValue(run.pfield, stored, shared || (i == 0 && firstIsShared))) {
+    if (!recordValue(run.pfield, stored)) {
       return kOutOfMemory;
     }
   }
@@ -116,8 +114,7 @@ ErrorCode runS2(RunState &run, SourceReader &source) {
   if (error > 0) {
     return error;
   }
-  bool firstIsShared = false;
-  error = insertPending(run, firstIsShared);
+  error = insertPending(run);
   if (error > 0) {
     return error;
   }
@@ -129,8 +126,7 @@ ErrorCode runS2(RunState &run, SourceReader &source) {
     }
     Segment &segment = chooseSegment(run.segments);
     std::uint32_t index = selectIndex(run.segments, segment.selection, segment.list.count);
-    error = fillGroup(run, run.segments.groups.items[segment.list.first + index],
-                      i == 0 && firstIsShared);
+    error = fillGroup(run, run.segments.groups.items[segment.list.first + index]);
     if (error > 0) {
       return error;
     }

@@ -16,8 +16,7 @@ void raiseTarget(RunState &run) {
 
 ErrorCode holdLastValue(RunState &run, const SourceReader &source) {
   while (!blockIsFull(run)) {
-    bool shared = false;
-    ErrorCode error = applyValue(run, source, run.pfield.lastValue, shared);
+    ErrorCode error = applyValue(run, source, run.pfield.lastValue);
     if (error > 0) {
       return error;
     }
@@ -39,8 +38,7 @@ ErrorCode replayLoop(RunState &run, const SourceReader &source) {
       }
     }
     firstTurn = false;
-    bool shared = false;
-    ErrorCode error = applyValue(run, source, entry.value, shared);
+    ErrorCode error = applyValue(run, source, entry.value);
     if (error > 0) {
       return error;
     }
@@ -59,7 +57,7 @@ bool loopMarker(PfieldState &pfield, char mark) {
   return true;
 }
 
-bool recordValue(PfieldState &pfield, float value, bool shared) {
+bool recordValue(PfieldState &pfield, float value) {
   if (!pfield.looping) {
     return true;
   }
@@ -74,6 +72,7 @@ bool recordValue(PfieldState &pfield, float value, bool shared) {
     loop.entries = static_cast<LoopEntry *>(entries);
     loop.capacity = capacity;
   }
+  bool shared = pfield.cursor == pfield.inserted;
   loop.entries[loop.count++] = {value, shared};
   loop.hasUnshared = loop.hasUnshared || !shared;
   return true;

@@ -11,9 +11,9 @@ struct SourceReader;
 // loop, "<" inside one or while a ":" waits for its value.
 bool loopMarker(PfieldState &pfield, char mark);
 
-// Records a value if a loop is open, with the flag whether its event was inserted. False when
-// memory is refused.
-bool recordValue(PfieldState &pfield, float value, bool shared);
+// Records the value of the event filled last if a loop is open, and whether that event was
+// inserted. False when memory is refused.
+bool recordValue(PfieldState &pfield, float value);
 
 // Gives every event that has no value yet one: the values of the loop over and over, or, without a
 // loop, the last value. Draws as the value steps say, in the order of the events. Errors 32, 54.

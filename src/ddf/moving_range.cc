@@ -20,9 +20,10 @@ ErrorCode readMoveSegment(RunState &run, SourceReader &source, Segment &segment)
   if (error <= 0) {
     error = readRange(run, source, segment.second);
   }
-  if (error > 0) {
-    return error;
-  }
+  return error;
+}
+
+ErrorCode checkMoveSegment(const RunState &run, const Segment &segment) {
   bool touchesZero =
       touchesZeroInterval(run, segment.first) || touchesZeroInterval(run, segment.second);
   return touchesZero ? kZeroStartRange : kOk;

@@ -33,8 +33,9 @@ struct PfieldState {
   bool blockEnd =
       false;            // a value came when the block was full: the rest of the p-field is skipped
   bool marked = false;  // ":" or "'" has been read, which may stand once in a p-field
-  bool insertRequest = false;  // the next value starts together with the event before it
-  bool looping = false;        // between "<" and ">"
+  bool insertRequest = false;         // the next value starts together with the event before it
+  std::uint32_t inserted = kNoEvent;  // the copy that was made last for a ":" of this p-field
+  bool looping = false;               // between "<" and ">"
   LoopRecord loop;
   int noteOctave = 0;  // the octave of the last note that gave one
 };

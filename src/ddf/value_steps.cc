@@ -32,13 +32,15 @@ void countEvent(RunState &run) {
 }
 
 // Where the new event starts: with the event before it when that was asked for, else behind it.
-void placeEvent(RunState &run, EventRecord &event) {
+void placeEvent(RunState &run, std::uint32_t made) {
+  EventRecord &event = eventAt(run.events, made);
   BlockState &block = run.block;
   if (run.pfield.cursor == kNoEvent) {
     event.start = block.header.start;
     event.beat = run.tempo.beat;
   } else if (run.pfield.insertRequest) {
     const EventRecord &previous = eventAt(run.events, run.pfield.cursor);
+    run.pfield.inserted = made;
     event.flag = 1;
     event.start = previous.start;
     event.beat = previous.beat;
@@ -106,7 +108,7 @@ ErrorCode startStep(RunState &run, float value, ZeroInterval zero) {
     return kOutOfMemory;
   }
   EventRecord &event = eventAt(run.events, made);
-  placeEvent(run, event);
+  placeEvent(run, made);
   event.duration = rhythm;
   appendEvent(run.events, made);
   run.pfield.cursor = made;
@@ -121,22 +123,21 @@ std::uint32_t peekNextEvent(const RunState &run) {
   return cursor == kNoEvent ? firstEvent(run.events) : eventAt(run.events, cursor).next;
 }
 
-ErrorCode insertPending(RunState &run, bool &shared) {
-  shared = run.pfield.insertRequest;
-  if (!shared) {
+ErrorCode insertPending(RunState &run) {
+  if (!run.pfield.insertRequest) {
     return kOk;
   }
   run.pfield.insertRequest = false;
-  std::uint32_t copy = copyEventBehind(run.events, run.pfield.cursor);
-  if (copy == kNoEvent) {
+  run.pfield.inserted = copyEventBehind(run.events, run.pfield.cursor);
+  if (run.pfield.inserted == kNoEvent) {
     return kOutOfMemory;
   }
-  eventAt(run.events, copy).flag = 1;
+  eventAt(run.events, run.pfield.inserted).flag = 1;
   return kOk;
 }
 
-ErrorCode nextEvent(RunState &run, EventRecord *&event, bool &shared) {
-  ErrorCode error = insertPending(run, shared);
+ErrorCode nextEvent(RunState &run, EventRecord *&event) {
+  ErrorCode error = insertPending(run);
   if (error > 0) {
     return error;
   }
@@ -179,13 +180,12 @@ float parameterStep(RunState &run, EventRecord &event, float value) {
   return value;
 }
 
-ErrorCode applyValue(RunState &run, const SourceReader &source, float value, bool &shared) {
+ErrorCode applyValue(RunState &run, const SourceReader &source, float value) {
   if (run.pfield.number == 2) {
-    shared = run.pfield.insertRequest;
     return startStep(run, value, ZeroInterval::kError);
   }
   EventRecord *event = nullptr;
-  ErrorCode error = nextEvent(run, event, shared);
+  ErrorCode error = nextEvent(run, event);
   if (error > 0) {
     return error;
   }

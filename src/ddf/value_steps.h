@@ -34,13 +34,12 @@ enum class ZeroInterval { kAllowed, kError };
 ErrorCode startStep(RunState &run, float value, ZeroInterval zero);
 
 // The event that the next value of P3 and above belongs to. With an insert request pending it is a
-// copy of the event filled last, made right behind it; `shared` tells whether it is. Error 32.
-ErrorCode nextEvent(RunState &run, EventRecord *&event, bool &shared);
+// copy of the event filled last, made right behind it. Error 32.
+ErrorCode nextEvent(RunState &run, EventRecord *&event);
 
-// Makes that copy at once, if a request is pending, so that the event filled next is the copy;
-// `shared` is then true and the request has been met. For data functions, whose events are counted
-// before they are filled. Error 32.
-ErrorCode insertPending(RunState &run, bool &shared);
+// Makes that copy at once, if a request is pending, so that the event filled next is the copy. For
+// data functions, whose events are counted before they are filled. Error 32.
+ErrorCode insertPending(RunState &run);
 
 // The event behind the one filled last, whether or not it is filled next.
 std::uint32_t peekNextEvent(const RunState &run);
@@ -57,5 +56,5 @@ float parameterStep(RunState &run, EventRecord &event, float value);
 
 // The one way of a value that stands in the text, is repeated, replayed or held: through the step
 // of its p-field. In NO mode from P4 on a negative value (a rest) negates the event's duration.
-// `shared` tells whether its event was inserted. Errors 32, 54.
-ErrorCode applyValue(RunState &run, const SourceReader &source, float value, bool &shared);
+// Errors 32, 54.
+ErrorCode applyValue(RunState &run, const SourceReader &source, float value);

@@ -98,12 +98,11 @@ ErrorCode repeatValue(RunState &run, const SourceReader &source, std::uint64_t t
       return kOk;
     }
     float value = run.pfield.lastValue;
-    bool shared = false;
-    ErrorCode error = applyValue(run, source, value, shared);
+    ErrorCode error = applyValue(run, source, value);
     if (error > 0) {
       return error;
     }
-    if (!recordValue(run.pfield, value, shared)) {
+    if (!recordValue(run.pfield, value)) {
       return kLoopNotRecorded;
     }
   }
