@@ -1,0 +1,331 @@
+#!/usr/bin/env python3
+"""Files that cannot be opened, read or written: a clear message, status 1, and nothing of the composer's harmed.
+
+    files_test.py KORVO_BINARY
+"""
+
+import os
+import resource
+import stat
+import subprocess
+import time
+
+import support
+from support import PIECE, SCORE, cannot_open, cannot_write
+
+NOBODY = 65534
+TEMPORARY_LOST = b"\nERROR: Ouch! Can't open the temporary file (huh?).\n\n"
+
+
+def many_events(count):
+    return f"i1 = 3 0 -{count} {{ p2 1 p3 1 }}\n".encode()
+
+
+def limit(name, value):
+    return lambda: resource.setrlimit(name, (value, value))
+
+
+class CannotWrite(support.FaultTest):
+    """A full disk, a closed pipe, a file that may not grow."""
+
+    def expect_told(self, result, *names):
+        self.assertEqual(result.returncode, 1)
+        for name in names:
+            self.assertIn(cannot_write(name), result.stderr)
+
+    def test_full_disk(self):
+        for size in (1, 100, 20000):
+            self.write("piece.txt", many_events(size))
+            self.expect_told(self.run_korvo("piece.txt", "/dev/full"), "/dev/full")
+            self.expect_told(self.run_korvo("-m", "piece.txt", "/dev/full"), "/dev/full")
+            self.expect_told(self.run_korvo("-x/dev/full", "piece.txt", "a.sco"), "/dev/full")
+            self.expect_told(self.run_korvo("-l/dev/full", "piece.txt", "a.sco"), "/dev/full")
+
+    def test_full_disk_for_everything(self):
+        result = self.run_korvo("-l/dev/full", "-x/dev/./full", "piece.txt", "/dev/.//full")
+        self.expect_told(result, "/dev/full", "/dev/./full", "/dev/.//full")
+
+    def test_full_log_leaves_the_score_right(self):
+        self.run_korvo("-l", "/dev/full", "piece.txt", "a.sco")
+        self.assertEqual(self.read("a.sco"), SCORE)
+
+    def test_closed_pipe_as_output(self):
+        for size in (1, 100, 20000):
+            self.write("piece.txt", many_events(size))
+            reader, writer = os.pipe()
+            os.close(reader)
+            result = self.run_korvo("piece.txt", "/dev/stdout", stdout=writer)
+            os.close(writer)
+            self.expect_told(result, "/dev/stdout")
+
+    def test_pipe_closed_while_writing(self):
+        self.write("piece.txt", many_events(200000))
+        process = subprocess.Popen([support.KORVO, "piece.txt", "/dev/stdout"], cwd=self.folder,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.assertEqual(process.stdout.read(11), b"\n;I-block #")
+        process.stdout.close()
+        message = process.stderr.read()
+        process.stderr.close()
+        self.assertEqual(process.wait(support.TIME_LIMIT), 1)
+        self.assertIn(cannot_write("/dev/stdout"), message)
+
+    def test_closed_pipe_for_messages(self):
+        """Nobody listens; the score is right all the same."""
+        reader, writer = os.pipe()
+        os.close(reader)
+        result = self.run_korvo("piece.txt", "a.sco", stderr=writer)
+        os.close(writer)
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(self.read("a.sco"), SCORE)
+
+    def test_full_disk_for_messages(self):
+        with open("/dev/full", "wb") as full:
+            result = self.run_korvo("piece.txt", "a.sco", stderr=full)
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(self.read("a.sco"), SCORE)
+
+    def test_file_may_not_grow(self):
+        self.write("piece.txt", many_events(20000))
+        result = self.run_korvo("piece.txt", "a.sco", preexec_fn=limit(resource.RLIMIT_FSIZE, 4096))
+        self.expect_told(result, "a.sco")
+
+    def test_temporary_file_may_not_grow(self):
+        self.write("piece.txt", b"; a comment\n" * 10000 + PIECE)
+        result = self.run_korvo("piece.txt", "a.sco", preexec_fn=limit(resource.RLIMIT_FSIZE, 4096))
+        self.assertEqual(result.returncode, 1)
+        self.assertTrue(result.stderr.endswith(TEMPORARY_LOST), result.stderr)
+
+
+class CannotOpen(support.FaultTest):
+    def expect_refused(self, name, *arguments, **options):
+        result = self.run_korvo(*arguments, **options)
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (1, b"", cannot_open(name)))
+
+    def test_input(self):
+        (self.folder / "folder").mkdir()
+        os.symlink("nowhere", self.folder / "dangling")
+        os.symlink("circle", self.folder / "circle")
+        for name in ("missing.txt", "no/piece.txt", "folder", "folder/", "dangling", "circle", "piece.txt/x", "",
+                     "x" * 5000):
+            self.expect_refused(name, name, "a.sco")
+            self.assertFalse((self.folder / "a.sco").exists())
+
+    def test_written_files(self):
+        (self.folder / "folder").mkdir()
+        os.symlink("circle", self.folder / "circle")
+        os.symlink("no/where", self.folder / "dangling")
+        for name in ("no/a", "folder", "folder/", "circle", "dangling", "piece.txt/a", "", "x" * 5000):
+            self.expect_refused(name, "piece.txt", name)
+            self.expect_refused(name, "-m", "piece.txt", name)
+            if name:
+                self.expect_refused(name, "-x", name, "piece.txt", "a.sco")
+                self.expect_refused(name, "-l", name, "piece.txt", "a.sco")
+        self.assertEqual(self.read("piece.txt"), PIECE)
+
+    def test_output_through_a_link_to_a_new_file(self):
+        os.symlink("new.sco", self.folder / "link")
+        self.assertEqual(self.run_korvo("piece.txt", "link").returncode, 0)
+        self.assertEqual(self.read("new.sco"), SCORE)
+
+    def as_nobody(self, name, *arguments):
+        def give_up_rights():
+            os.setgroups([])
+            os.setgid(NOBODY)
+            os.setuid(NOBODY)
+
+        self.expect_refused(name, *arguments, preexec_fn=give_up_rights)
+
+    def test_no_permission(self):
+        if os.geteuid() != 0:
+            self.skipTest("needs to be root to become nobody")
+        os.chmod(self.folder, 0o755)
+        self.write("secret.txt", PIECE)
+        self.write("locked.sco", b"kept")
+        os.chmod(self.folder / "secret.txt", 0o600)
+        os.chmod(self.folder / "locked.sco", 0o444)
+        self.as_nobody("secret.txt", "secret.txt", "/dev/null")
+        self.as_nobody("locked.sco", "piece.txt", "locked.sco")
+        self.as_nobody("new.sco", "piece.txt", "new.sco")
+        self.as_nobody("new.exp", "-x", "new.exp", "piece.txt", "/dev/null")
+        self.as_nobody("new.log", "-l", "new.log", "piece.txt", "/dev/null")
+        self.assertEqual(self.read("locked.sco"), b"kept")
+
+    def test_out_of_file_handles(self):
+        """With ever more handles left, each file in turn is the one that cannot be opened. (With fewer than four the
+        program cannot be loaded.)"""
+        self.write("part.txt", b"; nothing\n")
+        self.write("piece.txt", b"#include |part.txt|\n" + PIECE)
+        expected = [
+            cannot_open("a.sco"),
+            cannot_open("a.exp"),
+            b"\nERROR: Can't open temporary file\n\n",
+            cannot_open("a.log"),
+            b'\nBad include file name: "part.txt"\n\n',
+        ]
+        for handles, message in enumerate(expected, start=4):
+            with self.subTest(handles=handles):
+                result = self.run_korvo("-l", "a.log", "-x", "a.exp", "piece.txt", "a.sco",
+                                        preexec_fn=limit(resource.RLIMIT_NOFILE, handles))
+                self.assertEqual(result.returncode, 1)
+                self.assertTrue(result.stderr.endswith(message), result.stderr)
+        result = self.run_korvo("-l", "a.log", "-x", "a.exp", "piece.txt", "a.sco",
+                                preexec_fn=limit(resource.RLIMIT_NOFILE, 4 + len(expected)))
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(self.read("a.sco"), SCORE)
+
+
+class InputIsOutput(support.FaultTest):
+    """The input by another name is never opened for writing."""
+
+    def setUp(self):
+        super().setUp()
+        os.symlink("piece.txt", self.folder / "link")
+        os.symlink("link", self.folder / "link-to-link")
+        os.link(self.folder / "piece.txt", self.folder / "hard")
+        (self.folder / "sub").mkdir()
+        self.names = ["./piece.txt", "sub/../piece.txt", str(self.folder / "piece.txt"), "link", "link-to-link",
+                      "hard", "/proc/self/cwd/piece.txt"]
+
+    def expect_kept(self, name, result):
+        self.assertEqual((result.returncode, result.stderr), (1, cannot_open(name)))
+        self.assertEqual(self.read("piece.txt"), PIECE)
+
+    def test_output(self):
+        for name in self.names:
+            self.expect_kept(name, self.run_korvo("piece.txt", name))
+            self.expect_kept(name, self.run_korvo("-m", "piece.txt", name))
+
+    def test_log(self):
+        for name in self.names:
+            self.expect_kept(name, self.run_korvo("-l", name, "piece.txt", "a.sco"))
+
+    def test_expansion(self):
+        for name in self.names:
+            self.expect_kept(name, self.run_korvo("-x", name, "piece.txt", "a.sco"))
+
+    def test_input_through_a_link(self):
+        self.expect_kept("piece.txt", self.run_korvo("link", "piece.txt"))
+        self.expect_kept("hard", self.run_korvo("link", "hard"))
+
+    def test_input_from_standard_input(self):
+        with open(self.folder / "piece.txt", "rb") as piece:
+            self.expect_kept("piece.txt", self.run_korvo("/dev/stdin", "piece.txt", stdin=piece))
+
+    def test_same_name(self):
+        for arguments in (("piece.txt", "piece.txt"), ("-l", "piece.txt", "piece.txt", "a.sco"),
+                          ("-x", "piece.txt", "piece.txt", "a.sco")):
+            result = self.run_korvo(*arguments)
+            self.assertEqual((result.returncode, result.stderr),
+                             (1, b"\nERROR: You can't use a filename multiple times!\n\n"))
+            self.assertEqual(self.read("piece.txt"), PIECE)
+
+
+class StandardStreams(support.FaultTest):
+    """A shell may start the program with some of its three streams closed. A file that is opened then must not take
+    their place: messages would go into it."""
+
+    def test_closed_streams(self):
+        for closed in ((0,), (1,), (2,), (0, 1), (0, 2), (1, 2), (0, 1, 2)):
+            with self.subTest(closed=closed):
+                def close_them(streams=closed):
+                    for stream in streams:
+                        os.close(stream)
+
+                self.run_korvo("-x", "a.exp", "piece.txt", "a.sco", preexec_fn=close_them)
+                self.assertEqual(self.read("piece.txt"), PIECE)
+                self.assertEqual(self.read("a.sco"), SCORE)
+                self.assertEqual(self.read("a.exp").replace(b" \n", b"\n"), PIECE)
+
+    def test_closed_streams_and_a_usage_error(self):
+        def close_them():
+            os.close(1)
+            os.close(2)
+
+        self.assertEqual(self.run_korvo("-l", preexec_fn=close_them).returncode, 1)
+
+    def test_score_on_standard_output(self):
+        result = self.run_korvo("-s", "piece.txt", "/dev/stdout")
+        self.assertEqual((result.returncode, result.stdout), (0, SCORE))
+
+    def test_piece_on_standard_input(self):
+        result = self.run_korvo("/dev/stdin", "a.sco", stdin=None, input=PIECE)
+        self.assertEqual((result.returncode, self.read("a.sco")), (0, SCORE))
+
+
+class TemporaryFile(support.FaultTest):
+    """It is nameless and private: nobody else can open it."""
+
+    def test_private(self):
+        os.mkfifo(self.folder / "slow.txt")
+        process = subprocess.Popen([support.KORVO, "slow.txt", "a.sco"], cwd=self.folder,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            with open(self.folder / "slow.txt", "wb") as piece:
+                piece.write(PIECE)
+                piece.flush()
+                descriptor = self.wait_for_temporary_file(process)
+                status = os.stat(descriptor)
+                self.assertEqual(status.st_nlink, 0)
+                self.assertEqual(stat.S_IMODE(status.st_mode) & 0o077, 0)
+        finally:
+            process.wait(support.TIME_LIMIT)
+        self.assertEqual(process.returncode, 0)
+        self.assertEqual(self.read("a.sco"), SCORE)
+
+    def wait_for_temporary_file(self, process):
+        descriptors = f"/proc/{process.pid}/fd"
+        own = str(self.folder)
+        for _ in range(500):
+            for descriptor in os.listdir(descriptors):
+                path = f"{descriptors}/{descriptor}"
+                name = os.readlink(path)
+                if name.endswith("(deleted)") and not name.startswith(own):
+                    return path
+            time.sleep(0.01)
+        self.fail("no temporary file")
+
+
+class Names(support.FaultTest):
+    """Names are used as they are written, and text is never taken for a format."""
+
+    def test_include_names_are_not_expanded(self):
+        self.write("part.txt", b"; nothing\n")
+        for name in ("~/part.txt", "$PWD/part.txt", "par*.txt", "part.tx?", "`echo part.txt`", " part.txt", "part.txt ",
+                     "part.txt\0x", "%s%n", "part.txt|", "file:part.txt", "<part.txt"):
+            self.write("piece.txt", b"#include |" + name.encode() + b"|\n" + PIECE)
+            result = self.run_korvo("piece.txt", "a.sco")
+            shown = name.split("\0")[0].split("|")[0]
+            if shown == "part.txt" and "\0" not in name:
+                continue
+            self.assertEqual(result.returncode, 1, name)
+            self.assertIn(f'\nBad include file name: "{shown}"\n\n'.encode(), result.stderr)
+
+    def test_formats(self):
+        """Everything that is printed of a piece, with conversions in it."""
+        evil = b"%s%s%n%n%d%f%c%%%p%1000000d"
+        texts = {
+            b"#include |" + evil + b"|\n": b'"' + evil + b'"',
+            b"> " + evil + b"\n%\n": None,
+            evil + b"\n": evil,
+            b"i1 = 3 0 4 {" + evil + b"\n": evil,
+            b"i1 = 3 0 4 { p2 1 p3 1 " + evil + b"\n": evil,
+            b"#define " + evil + b" #1#\n": evil,
+            b"#undef " + evil + b"\n": evil,
+            b"#const a " + evil + b"\n": evil,
+            b"$" + evil + b"\n": evil,
+            b"~[" + evil + b"]\n": evil,
+        }
+        for text, shown in texts.items():
+            self.write("piece.txt", text)
+            result = self.run_korvo("-t", "-l", "a.log", "-x", "a.exp", "piece.txt", "a.sco")
+            self.assertEqual(result.returncode, 1, text)
+            if shown is not None:
+                self.assertIn(shown, result.stderr)
+                self.assertIn(shown, self.read("a.log"))
+        self.write("piece.txt", b">" + evil + b"\n" + PIECE)
+        self.assertEqual(self.run_korvo("piece.txt", evil.decode()).returncode, 0)
+        self.assertEqual(self.read(evil.decode()), b"\n" + evil + b" " + SCORE)
+
+
+if __name__ == "__main__":
+    support.main()

@@ -1,0 +1,58 @@
+"""What the fault tests share: a folder of their own, and runs of the program in it."""
+
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+KORVO = None  # set by main()
+TIME_LIMIT = 60  # seconds for one run
+
+PIECE = b"i1 = 4 0 4 {\n  p2 1\n  p3 1\n  p4 no c4 d e f\n}\n"
+SCORE = (
+    b"\n;I-block #1 (i1):"
+    b"\ni1    0.000  1.000    48.000 \ni1    1.000  1.000    50.000 "
+    b"\ni1    2.000  1.000    52.000 \ni1    3.000  1.000    53.000 \n"
+    b"\ne\n"
+)
+
+
+def cannot_open(name):
+    return f'\nERROR: Can\'t open "{name}".\n\n'.encode()
+
+
+def cannot_write(name):
+    return f'\nERROR: Can\'t write "{name}".\n\n'.encode()
+
+
+class FaultTest(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory(prefix="korvo-faults-")
+        self.addCleanup(holder.cleanup)
+        self.folder = Path(holder.name)
+        self.write("piece.txt", PIECE)
+
+    def write(self, name, content):
+        (self.folder / name).write_bytes(content)
+
+    def read(self, name):
+        return (self.folder / name).read_bytes()
+
+    def run_korvo(self, *arguments, **options):
+        """Runs the program in the test's folder; standard output and error are caught."""
+        options.setdefault("stdout", subprocess.PIPE)
+        options.setdefault("stderr", subprocess.PIPE)
+        options.setdefault("stdin", subprocess.DEVNULL)
+        return subprocess.run(
+            [KORVO, *map(str, arguments)], cwd=self.folder, timeout=TIME_LIMIT, **options
+        )
+
+
+def main():
+    """Takes the path of the program off the command line and runs the tests of the file."""
+    global KORVO
+    KORVO = os.path.abspath(sys.argv.pop(1))
+    sys.modules["support"].KORVO = KORVO
+    unittest.main(module="__main__")

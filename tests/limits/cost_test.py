@@ -1,0 +1,177 @@
+#!/usr/bin/env python3
+"""No piece of a megabyte takes more than ten seconds or a gigabyte, unless it asks for that many events.
+
+    cost_test.py [--measure] KORVO_BINARY [PIECE...]
+
+Each piece is a megabyte of one thing that could be slow. With --measure nothing is checked: time, memory and the number
+of message bytes are printed. What the pieces print goes into a pipe that is only counted.
+"""
+
+import os
+import resource
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+from pathlib import Path
+
+MEGABYTE = 1 << 20
+MOST_SECONDS = 10.0
+MOST_BYTES = 1 << 30
+GIVE_UP = 30  # seconds
+
+
+def fill(text, begin="", end=""):
+    """`text` as often as it takes to make a megabyte, between `begin` and `end`."""
+    times = (MEGABYTE - len(begin) - len(end)) // len(text)
+    return begin + text * times + end
+
+
+def count_up(line, begin="", end=""):
+    """Lines with a running number for %d up to a megabyte."""
+    lines, size, i = [begin], len(begin) + len(end), 0
+    while True:
+        text = line.replace("%d", str(i))
+        size += len(text)
+        if size > MEGABYTE:
+            return "".join(lines) + end
+        lines.append(text)
+        i += 1
+
+
+def lines_of(items, width=4000):
+    """Items with a blank between them, broken into lines."""
+    lines, line, size = [], [], 0
+    for item in items:
+        if size + len(item) + 1 > width:
+            lines.append(" ".join(line))
+            line, size = [], 0
+        line.append(item)
+        size += len(item) + 1
+    lines.append(" ".join(line))
+    return "\n".join(lines)
+
+
+BLOCK = "i1 = 4 0 -%d { p2 1 p3 1 p4 "
+LIST = lines_of([str(i % 10) for i in range(65536)])
+EMPTY_CALLS = "#define e ##\n#define m #" + "$e" * 2000 + "#\n"
+
+
+def pieces():
+    yield "nothing but blanks", fill(" ")
+    yield "one line of digits", fill("1", "i1 = 3 0 ")
+    yield "empty lines", fill("\n")
+    yield "nested comments", fill("/*") + "\n"
+    yield "nested comments, closed", "/*" * 250000 + "\n" + "*/" * 250000 + "\n"
+    yield "comments before an item", fill("/* */ ", "i1 = 3 0 1 { p2 ")
+    yield "zero bytes", fill("\0")
+    yield "bytes above 127", fill("\xff\xfe")
+    yield "literal lines", fill(">\n")
+    yield "macros", count_up("#define a%d #$b#\n")
+    yield "macros defined and forgotten", fill("#define a #1#\n#undef a\n", "#define b #1#\n")
+    yield "macro with a body that is used up", fill("$m\n", "#define m #" + " " * 4080 + "#\n")
+    yield "calls of an empty macro", fill(">" + "$e" * 2000 + "\n", "#define e ##\n")
+    yield "calls of a macro of empty calls", fill(">$m\n", EMPTY_CALLS)
+    yield "calls with arguments in arguments", fill(
+        ">$f(1)\n", "#define e(x) #$x#\n#define f(x) #" + " $e($x)" * 500 + "#\n")
+    yield "calls with 128 arguments", fill(
+        ">$f(" + "'".join(["1"] * 128) + ")\n",
+        "#define f(" + " ".join(f"a{i}" for i in range(128)) + ") #" + " ".join(f"$a{i}" for i in range(128)) + "#\n",
+    )
+    yield "constants", count_up("#const a%d 1\n")
+    yield "references to a constant", fill(">" + "~a " * 600 + "\n", "#const a 1\n")
+    yield "references in a macro", fill("$m\n", "#const a 1\n#define m #>" + "~a" * 700 + "#\n")
+    yield "equations", fill(">~[1+1]\n")
+    yield "equations with a large remainder", fill(">~[99999999999999999999999999999999999999%.0001%.001]\n")
+    yield "draws in equations", fill(">~[?+?+?+?+?+?+?+?+?+?+?+?+?+?+?+?+?+?+?+?]\n")
+    yield "sections", fill("#if(1)\n#endif\n")
+    yield "open sections", fill("#if(1)\n")
+    yield "dropped sections", fill("#if(0)\n#endif\n")
+    yield "nested dropped sections", fill("#if(", "#if(0)\n")
+    yield "tempo definitions", fill("te(0 9 60 70)\n")
+    yield "deviations with a warning", fill("rd(2)")
+    yield "deviations with a warning, from a macro", fill("$m\n", "#define m #" + "rd(2)" * 800 + "#\n")
+    yield "fast tempos", fill("te(0 9 999 999)")
+    yield "blocks", fill("i1=3 0-1{p2 1p3 1}\n")
+    yield "skipped blocks", fill("i-1{}\n")
+    yield "blocks of 128 p-fields", fill(
+        "i1=128 0-1{p2 1p3 1" + "".join(f"p{i} 1" for i in range(4, 129)) + "}\n")
+    yield "values behind the end", fill("1 ", BLOCK % 1, "}")
+    yield "values", fill("1 ", BLOCK % 1000000, "}")
+    yield "chords by S2", BLOCK % 100 + "S2(T 1 [" + lines_of(["1:1"] * 32000) + "]) }"
+    yield "large chords by S2", fill("S2(1 1 " + ":".join(["1"] * 1900) + ")\n", BLOCK % 10000, "}")
+    yield "marks", fill(": ", BLOCK % 100000 + "1", "}")
+    yield "loops", fill("<1>", BLOCK % 1000000, "}")
+    yield "a long loop", fill("1 ", BLOCK % 5000000 + "<", ">}")
+    yield "calls", fill("HO(1 1)", BLOCK % 1000000, "}")
+    yield "calls in beats", fill("HO(1 1)", "i1 = 4 0 1000 { p2 .01 p3 1 p4 ", "}")
+    yield "calls in beats with a warning", fill("HO(1 1)", "i1 = 4 0 9 { p2 1 p3 1 p4 ", "}")
+    yield "calls without events", fill("HO(0 1)\n", BLOCK % 10 + "1 1 1 1 1 1 1 1 1 1 ", "}")
+    yield "calls of 128 segments", fill("RA(1 1 1 " + "0 1 " * 127 + ")", BLOCK % 100000, "}")
+    yield "exhaustive lists", fill(f"SE(65536 1 *[{LIST}])\n", BLOCK % 700000, "}")
+    yield "a list without repeats", BLOCK % 1000000 + f"SE(T 1 x[{LIST}]) }}"
+    yield "128 lists", BLOCK % 1000000 + "SE(T " + " ".join(
+        f"{p} *[" + lines_of(["1"] * 3900) + "]\n" for p in [1] + [0] * 127) + ") }"
+    yield "a walk in tiny windows", BLOCK % 1000 + "RW(T 1 [0 1] .000011 .5) }"
+    yield "a walk in small windows", BLOCK % 100000 + "RW(T 1 [0 1] .001 .5) }"
+    yield "draws of a bell", BLOCK % 1000000 + "RA(T 1 [g 0 1]) }"
+    yield "an equation with many terms", BLOCK % 1000 + "EX(T 1 [p2\n" + lines_of(["+1"] * 330000) + "\n]) }"
+    yield "an equation with many remainders", (
+        BLOCK % 1000 + "EX(T 1 [p2\n" + lines_of(["%3" if i % 2 else "*99" for i in range(290000)]) + "\n]) }")
+    yield "remainders of large numbers", (
+        BLOCK % 100000 + "EX(T 1 [p2 * 99999999999 * 99999999999 * 99999999 % .0001]) }")
+    yield "divisions with a warning", BLOCK % 10 + "EX(T 1 [p2\n" + lines_of(["/p3"] * 250000) + "\n]) }"
+    yield "beat moves", BLOCK % 1000 + fill("MO(9 1 l* 0 1)", "", "}")
+    yield "a rhythm that hardly moves", "i1 = 3 0 10000 { p2 .0000001 p3 1 }"
+    yield "a rhythm that does not move", "i1 = 3 9999 9 { p2 .000001 p3 1 }"
+    yield "negative durations with a warning", BLOCK % 1000000 + " 1 } i1 = 3 0 -200000 { p2 1 p3 300 }"
+    yield "repeats without end", BLOCK % 100 + "1 x99999999999999999999 }"
+
+
+def measure(korvo, text, options):
+    """Runs one piece; gives seconds, bytes of memory, bytes of messages and the status."""
+    with tempfile.TemporaryDirectory(prefix="korvo-cost-") as folder:
+        (Path(folder) / "piece.txt").write_bytes(text.encode("latin-1"))
+        started = time.monotonic()
+        process = subprocess.Popen([korvo, *options, "piece.txt", "/dev/null"], cwd=folder,
+                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        timer = threading.Timer(GIVE_UP, process.kill)
+        timer.start()
+        printed = 0
+        last = b""
+        while block := os.read(process.stdout.fileno(), 1 << 20):
+            printed += len(block)
+            last = block[-200:]
+        process.stdout.close()
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        timer.cancel()
+        seconds = usage.ru_utime + usage.ru_stime
+        return seconds, usage.ru_maxrss * 1024, printed, process.returncode, last
+
+
+def main():
+    arguments = sys.argv[1:]
+    measuring = "--measure" in arguments
+    arguments = [a for a in arguments if a != "--measure"]
+    korvo, names = os.path.abspath(arguments[0]), arguments[1:]
+    failures = 0
+    for name, text in pieces():
+        if names and name not in names:
+            continue
+        assert len(text) <= MEGABYTE * 1.1, name
+        for options in ([], ["-m", "-s"]) if measuring else ([],):
+            seconds, memory, printed, status, last = measure(korvo, text, options)
+            too_much = seconds > MOST_SECONDS or memory > MOST_BYTES or status not in (0, 1)
+            failures += too_much
+            if measuring or too_much:
+                print(f"{'FAIL ' if too_much else ''}{name} {' '.join(options)}: {seconds:.1f} s,"
+                      f" {memory >> 20} MiB, {printed >> 10} KiB of messages, status {status}", flush=True)
+            if measuring and os.environ.get("SHOW"):
+                print("     ", last[-120:])
+    sys.exit(1 if failures and not measuring else 0)
+
+
+if __name__ == "__main__":
+    main()
