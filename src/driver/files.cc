@@ -1,7 +1,9 @@
 // Names come in, streams go out.
 #include "driver/files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -19,6 +21,14 @@ bool isSameFile(const char *name, std::FILE *file) {
 
 }  // namespace
 
+void holdStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) == -1) {
+      open("/dev/null", O_RDWR);  // takes the lowest number that is free: this one
+    }
+  }
+}
+
 std::FILE *openForReading(const char *name) {
   std::FILE *file = std::fopen(name, "r");
   if (file != nullptr && isDirectory(file)) {
@@ -26,6 +36,12 @@ std::FILE *openForReading(const char *name) {
     return nullptr;
   }
   return file;
+}
+
+std::FILE *openIncluded(const char *name) {
+  struct stat status;
+  bool isPlain = stat(name, &status) == 0 && S_ISREG(status.st_mode);
+  return isPlain ? openForReading(name) : nullptr;
 }
 
 std::FILE *openForWriting(const char *name, const char *mode, std::FILE *input) {

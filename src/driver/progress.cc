@@ -34,8 +34,8 @@ void drawProgress(RunState &run, const char *stage, std::int64_t done) {
   run.progress.drawn = now;
   std::int64_t rate = static_cast<std::int64_t>(run.progress.steps) * 1000 / elapsed;
   char line[120];
-  std::snprintf(line, sizeof line, "block #%d, %s: %lld of %lld events, %lld/s",
-                run.block.number, stage, static_cast<long long>(done),
-                static_cast<long long>(run.events.count), static_cast<long long>(rate));
+  std::snprintf(line, sizeof line, "block #%d, %s: %lld of %lld events, %lld/s", run.block.number,
+                stage, static_cast<long long>(done), static_cast<long long>(run.events.count),
+                static_cast<long long>(rate));
   showPassingLine(run.screen, line);
 }

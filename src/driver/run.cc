@@ -166,9 +166,6 @@ bool cleanUp(RunState &run, Files &files) {
   freeMacros(run.macros);
   freeConstants(run.constants);
   flushScreen(run.screen);
-  if (files.input != nullptr) {
-    std::fclose(files.input);
-  }
   std::fclose(files.temporary);
   bool complete = closeWritten(run.options.outputName, run.output);
   complete = closeWritten(run.options.expansionName, run.expansion) && complete;
@@ -217,6 +214,7 @@ int runWith(RunState &run, SourceReader &source) {
 }  // namespace
 
 int runKorvo(int argc, const char *const *argv) {
+  holdStandardStreams();
   Options options;
   if (!parseOptions(argc, argv, options)) {
     return kFailure;
@@ -225,8 +223,9 @@ int runKorvo(int argc, const char *const *argv) {
     std::fputs("\nERROR: You can't use a filename multiple times!\n\n", stderr);
     return kFailure;
   }
-  std::signal(SIGPIPE,
-              SIG_IGN);  // a closed pipe is a file that cannot be written, and is told like one
+  // A closed pipe and a file that may not grow cannot be written, and are told like a full disk.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   RunState *run = new (std::nothrow) RunState;
   SourceReader *source = new (std::nothrow) SourceReader;
   int status = kFailure;

@@ -21,6 +21,9 @@ float subtractRepeatedly(float r, float m) {
     double floorOfRange = std::ldexp(1.0, std::ilogb(r));
     double lowest = std::fmax(floorOfRange, static_cast<double>(m));
     double times = std::floor((static_cast<double>(second) - lowest) / step);
+    if (static_cast<double>(second) - times * step == floorOfRange) {
+      times -= 1.0;  // that last step might end below the range, where rounding is finer
+    }
     bool canJump = step > 0.0 && second > m && times >= 1.0;
     r = canJump ? static_cast<float>(static_cast<double>(second) - times * step) : first;
   }

@@ -11,6 +11,7 @@
 #include "global/arithmetic.h"
 #include "preproc/equation.h"
 #include "preproc/line_edit.h"
+#include "preproc/macro_call.h"
 #include "preproc/names.h"
 #include "reader/characters.h"
 #include "reader/lexical.h"
@@ -169,6 +170,9 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
   char *textEnd = FormatConstValue(text, reference.value);
   source.position = start;
   std::string_view inserted(text, static_cast<std::size_t>(textEnd - text));
+  if (!countExpansion(source, inserted.size())) {
+    return kOutOfMemory;
+  }
   return replaceInLine(source.line, start, end, inserted) ? kOk : kOutOfMemory;
 }
 

@@ -9,6 +9,7 @@
 #include "global/arithmetic.h"
 #include "preproc/constants.h"
 #include "reader/characters.h"
+#include "reader/lexical.h"
 #include "reader/numbers.h"
 
 namespace {
@@ -116,6 +117,7 @@ ErrorCode workOut(const Equation &equation, double &result) {
 ErrorCode EvaluateEquation(RunState &run, SourceReader &source, double &result) {
   Equation equation;
   ++source.position;
+  skipBlanksInLine(source.line, source.position);
   while (source.line[source.position] != ']') {
     if (source.line[source.position] == '\0') {
       return kEquationNotClosed;

@@ -122,6 +122,12 @@ ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &ar
 
 }  // namespace
 
+bool countExpansion(SourceReader &source, std::size_t inserted) {
+  ++source.runExpansions;
+  source.runInserted += static_cast<std::int64_t>(inserted);
+  return source.runExpansions <= kMaxExpansionsInRun && source.runInserted <= kMaxInsertedInRun;
+}
+
 ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
                           char *text, std::int32_t &cursor, int depth) {
   std::int32_t start = cursor - 1;
@@ -154,5 +160,8 @@ ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentLis
     say(run.screen, "\n\tExpanding macro \"%s\" into line %d...", {shownName, source.lineCounter});
   }
   cursor = start;
+  if (!countExpansion(source, callee.body.size())) {
+    return kOutOfMemory;
+  }
   return replaceInLine(text, start, callEnd(text, start), callee.body) ? kOk : kOutOfMemory;
 }

@@ -12,6 +12,13 @@ struct ArgumentList;
 
 inline constexpr int kMaxExpansionsInLine = 4096;
 inline constexpr int kMaxCallDepth = 64;
+inline constexpr std::int64_t kMaxExpansionsInRun =
+    16777216;                                                 // macro calls and constant references
+inline constexpr std::int64_t kMaxInsertedInRun = 268435456;  // characters that they insert
+
+// Counts one expansion that inserts so many characters. False when the run has had too many: a
+// short text could otherwise grow into an endless one.
+bool countExpansion(SourceReader &source, std::size_t inserted);
 
 // Replaces the call in `text` (a line buffer) whose "$" stands before the cursor by its expansion,
 // and leaves the cursor on the first inserted character. `scope` holds the arguments of the

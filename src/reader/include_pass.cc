@@ -78,7 +78,7 @@ ErrorCode includeFile(Pass &pass, std::FILE *input) {
   if (error > 0) {
     return error;
   }
-  std::FILE *included = openable ? openForReading(name) : nullptr;
+  std::FILE *included = openable ? openIncluded(name) : nullptr;
   if (included == nullptr) {
     say(pass.screen, "\nBad include file name: \"%s\"\n\n", {name});
     return kAlreadyReported;

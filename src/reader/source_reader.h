@@ -24,6 +24,10 @@ struct SourceReader {
       0;                  // marks ("#") seen of an open macro definition: 0 (none is open), 1 or 2
   bool skipping = false;  // the lines of a false section are being dropped: they come as they are
 
+  // Of the whole run.
+  std::int64_t runExpansions = 0;  // macro calls and constant references
+  std::int64_t runInserted = 0;    // characters that they inserted
+
   // Of the line being read.
   int expansions = 0;    // macro calls expanded in it
   int markedLength = 0;  // no mark is set from here on

@@ -85,8 +85,8 @@ def check_percentages(segments):
         raise Fail(42)
 
 
-def parse_segments(run, parse_one):
-    """Segments up to and including the ")"."""
+def parse_segments(run, parse_one, check=lambda: None):
+    """Segments up to and including the ")"; `check` looks at each one behind its separator."""
     r, t = run.reader, run.reader.t
     segments = []
     while True:
@@ -94,6 +94,7 @@ def parse_segments(run, parse_one):
             raise Fail(32)
         segments.append(parse_one(run))
         r.skip_separator()
+        check()
         if t.ch() == ')':
             t.pos += 1
             return segments
@@ -438,7 +439,7 @@ def run_ho(run):
 
 
 def run_mo(run):
-    span = read_span(run)
+    span, ranges = read_span(run), []
 
     def one(run):
         part = read_percentage(run)
@@ -446,11 +447,12 @@ def run_mo(run):
         run.reader.skip_separator()
         first = parse_range(run)
         run.reader.skip_separator()
-        second = parse_range(run)
-        run.reader.skip_separator()
-        refuse_zero_rhythm(run, span, first, second)
-        return MoveSegment(part, curve, first, second)
-    generate(run, span, parse_segments(run, one))
+        ranges[:] = first, parse_range(run)
+        return MoveSegment(part, curve, *ranges)
+
+    def check():
+        refuse_zero_rhythm(run, span, *ranges)
+    generate(run, span, parse_segments(run, one, check))
 
 
 def run_ms(run):
@@ -485,12 +487,12 @@ def run_ex(run):
     references = []
 
     def one(run):
-        segment = parse_equation(run, references)
-        run.reader.skip_separator()
+        return parse_equation(run, references)
+
+    def check():
         if not references:
             raise Fail(58)
-        return segment
-    generate(run, span, parse_segments(run, one))
+    generate(run, span, parse_segments(run, one, check))
 
 
 def parse_equation(run, references):

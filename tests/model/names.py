@@ -62,8 +62,8 @@ def finish_name(run, t, code):
     elif code in (RE, BN):
         number = DEFAULT_PRECISION if code == RE else DEFAULT_FFT_INDEX
         if t.ch() in DIGITS:
-            number = t.read_ushort()
-            if number is None or number > 7:
+            number = int(t.take_while(DIGITS))
+            if number > 7:
                 return None
         if code == RE:
             field.precision = number

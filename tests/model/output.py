@@ -138,7 +138,9 @@ def insert_note_off(events, k, event, end):
 
 
 def velocity(event):
-    return event.values[0] if event.values else DEFAULT_VELOCITY
+    if event.values:
+        return event.values[0]
+    return DEFAULT_VELOCITY if event.on else f32(OFF_VELOCITY * VELOCITY_SCALE)
 
 
 def key(event):

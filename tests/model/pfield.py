@@ -180,7 +180,7 @@ def separator(run):
     elif c == '/':
         repeat(run, 1)
     elif c == 'x':
-        count = t.read_ushort() if t.ch() in lex.DIGITS else None
+        count = t.read_ulong() if t.ch() in lex.DIGITS else None
         if count is None:
             raise Fail(24)
         repeat(run, count - 1)
@@ -388,15 +388,16 @@ def decibels(run, t):
 
 
 def rhythm(run, t):
-    """4 is one beat; each dot adds half of what was added last; "," ties."""
+    """4 is one beat; each dot adds half of what was added last; "," ties. The first number's
+    sign negates the sum, a later one's its own part."""
     total, negative = 0.0, None
     while True:
         number = t.read_short()
         if not number:
             return None
         if negative is None:
-            negative = number < 0
-        part = div(4.0, float(abs(number)))
+            negative, number = number < 0, abs(number)
+        part = div(4.0, float(number))
         total = add(total, part)
         while t.ch() == '.':
             t.pos += 1
@@ -408,6 +409,7 @@ def rhythm(run, t):
 
 
 def note(run, t):
+    t.skip_ws()
     if t.ch() == 'r':
         t.pos += 1
         return -1.0
@@ -416,10 +418,11 @@ def note(run, t):
     value = float(NOTES[t.ch()])
     t.pos += 1
     while t.ch() in ('s', 'f', 'n', '+', '-'):
-        if t.ch() in '+-' and not run.field.quarter_tones:
-            return None
-        value += {'s': 1, 'f': -1, 'n': 0, '+': 0.5, '-': -0.5}[t.ch()]
+        mark = t.ch()
         t.pos += 1
+        if mark in '+-' and not run.field.quarter_tones:
+            return None
+        value += {'s': 1, 'f': -1, 'n': 0, '+': 0.5, '-': -0.5}[mark]
     if t.ch() in lex.DIGITS:
         octave = t.read_short()
         if octave is None or octave > 9:

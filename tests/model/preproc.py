@@ -343,7 +343,6 @@ def constant_text(value):
 def evaluate(run, text):
     """The value of the equation at the "[", the position left on the "]"."""
     text.pos += 1
-    text.skip_ws()
     values, operators, after_operator = [], [], False
 
     def keep(where, item):

@@ -1,0 +1,343 @@
+#!/usr/bin/env python3
+"""Checks laws that every run of Korvo keeps, on random pieces.
+
+    laws.py KORVO_BINARY [--pieces N] [--seed S] [--jobs N] [--keep FOLDER]
+    laws.py KORVO_BINARY --pieces 1000000 --seed 1000000      before a release
+
+The laws, each with its name in the report:
+  status     the status is 0 or 1, and a run takes less than a second of the processor
+  twice      the same input gives the same bytes twice
+  silent     -s changes messages only: what is left of them stands in the full messages in the same order
+  log        the log is what stood on standard error
+  options    -l, -x and -t change neither score nor MIDI file
+  feedback   the expansion file, fed back as a piece, gives the same score
+  line       a comment line or an empty line put in between items changes only line numbers
+  includes   a piece cut into include files gives what it gave in one
+  sorted     the events of a block are sorted by their start
+  columns    every line of the score has the header's number of columns less the hidden ones
+  summary    the figures of the summary are those of the score
+  midi       the MIDI file has the chunks it announces, and its notes end as often as they begin
+
+A failing piece is kept in a folder of its own, with a note that names the law and the seed that makes it. The last
+line is 'N passed, N failed', counting pieces; the status is 1 when one failed.
+"""
+
+import argparse
+import math
+import multiprocessing
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(HERE))
+
+import generate  # noqa: E402
+
+SLOW = 1.0  # seconds of the processor, so that other work on the machine does not count
+TIME_LIMIT = 60  # seconds by the clock
+NUMBER = r"[ ]*(-?[\d.]+|-?inf|-?nan)"
+
+
+@dataclass
+class Result:
+    status: object
+    stdout: bytes
+    stderr: bytes
+    output: bytes
+    log: bytes
+    expansion: bytes
+
+
+class Broken(Exception):
+    """A law that does not hold."""
+
+
+class Checker:
+    def __init__(self, binary):
+        self.binary = binary
+
+    # ---- runs
+
+    def run(self, files, *options):
+        """One run of the piece; the files are written anew, so that nothing is left of the run before."""
+        generate.write(files, ".")
+        arguments = [self.binary, *options, "piece.txt", "out.sco"]
+        for attempt in range(3):
+            begin = os.times().children_user + os.times().children_system
+            try:
+                done = subprocess.run(arguments, stdin=subprocess.DEVNULL, capture_output=True, timeout=TIME_LIMIT)
+            except subprocess.TimeoutExpired:
+                raise Broken(f"status: no end after {TIME_LIMIT} seconds with {options}") from None
+            seconds = os.times().children_user + os.times().children_system - begin
+            if seconds < SLOW:
+                break
+        else:
+            raise Broken(f"status: {seconds:.1f} seconds with {options}")
+        if done.returncode not in (0, 1):
+            raise Broken(f"status: {done.returncode} with {options}: {done.stderr[-200:]!r}")
+        result = Result(done.returncode, done.stdout, done.stderr, b"", b"", b"")
+        for name, field in (("out.sco", "output"), ("run.log", "log"), ("run.exp", "expansion")):
+            if os.path.exists(name):
+                setattr(result, field, Path(name).read_bytes())
+                os.remove(name)
+        return result
+
+    @staticmethod
+    def same(law, a, b, fields="status stdout output stderr"):
+        for field in fields.split():
+            x, y = getattr(a, field), getattr(b, field)
+            if x != y:
+                if isinstance(x, bytes):
+                    for one, other in zip(x.split(b"\n") + [b"(end)"], y.split(b"\n") + [b"(end)"]):
+                        if one != other:
+                            raise Broken(f"{law}: {field}: {one[:150]!r} and {other[:150]!r}")
+                raise Broken(f"{law}: {field}: {x!r:.100} and {y!r:.100}")
+
+    # ---- the laws
+
+    def check(self, seed):
+        piece = generate.generate(seed)
+        rng = random.Random(f"laws {seed}")
+        plain = self.run(piece.files, "-l", "run.log", "-x", "run.exp")
+        self.same("twice", plain, self.run(piece.files, "-l", "run.log", "-x", "run.exp"),
+                  "status stdout output stderr log expansion")
+        self.check_log(plain)
+        bare = self.run(piece.files)
+        self.same("options", plain, bare, "status stdout output")
+        self.check_silent(plain, self.run(piece.files, "-s", "-l", "run.log", "-x", "run.exp"))
+        if rng.random() < 0.3:
+            self.same("options", plain, self.run(piece.files, "-t"), "status stdout output")
+        self.check_feedback(piece, plain)
+        if len(piece.files) > 1:
+            self.check_includes(self.run({"piece.txt": piece.text}), bare)
+        elif not piece.broken and "#inc" not in piece.text:
+            self.check_includes(bare, self.run(generate.split_into_includes(piece.text, rng)))
+        if piece.gaps:
+            self.check_line(piece, rng)
+        if plain.status == 0:
+            self.check_score(piece, plain)
+        midi = self.run(piece.files, "-m", "-l", "run.log")
+        self.check_log(midi)
+        if rng.random() < 0.3:
+            self.check_silent(midi, self.run(piece.files, "-m", "-s", "-l", "run.log"))
+        if midi.output:
+            self.check_midi(midi)
+
+    def check_log(self, result):
+        """The log begins with the banner, like standard error, and ends where the run closes it: the line feed that
+        follows the clean-up is the one thing that only standard error receives. Errors of the include pass are no
+        exception."""
+        ending = b"\n" if result.status == 0 else b""
+        if result.log + ending != result.stderr:
+            self.same("log", Result(0, b"", result.log + ending, b"", b"", b""), result, "stderr")
+
+    def check_silent(self, loud, silent):
+        self.same("silent", loud, silent, "status stdout output expansion")
+        position = 0
+        lines = [line for line in silent.stderr.split(b"\n") if line]
+        for line in lines:
+            position = loud.stderr.find(line, position)
+            if position < 0:
+                raise Broken(f"silent: {line!r} stands only in the messages of -s")
+            position += len(line)
+
+    def check_feedback(self, piece, plain):
+        """It does not apply
+        - to a run that failed: what was not read is not in the file;
+        - to pieces with a random term in an equation: the term is a number in the file and draws nothing;
+        - where a macro's body holds a line comment: in the piece it hides the rest of the line, in the file only the
+          rest of the body's line;
+        - to lines of 4000 characters and more, which the reader splits at other places;
+        - to text on the line of an #if or #endif, which is read but not written, and to "#i" elsewhere (the include
+          pass would look at it anew);
+        - to a "$" that stayed in the line because the line began with the call that left it.
+        Trailing blanks of the lines taken literally into the score may differ: a line's end becomes a blank each time."""
+        if plain.status or piece.no_feedback:
+            return
+        text = piece.text
+        if "?" in text or any(len(line) > 3900 for line in plain.expansion.split(b"\n")):
+            return
+        if piece.broken or re.search(r"#if\([^)\n]*\)[^\n]*\S|#endif[ \t\r]*[^\s]", text):
+            return
+        if b"#i" in plain.expansion or re.search(r"(?m)^\$", text):
+            return
+        fed = self.run({"piece.txt": plain.expansion.decode("latin-1")}, "-s")
+        strip = lambda data: re.sub(rb"[ \r]+\n", b"\n", data)
+        plain = Result(plain.status, plain.stdout, b"", strip(plain.output), b"", b"")
+        fed.output = strip(fed.output)
+        self.same("feedback", plain, fed, "status stdout output")
+
+    def check_includes(self, whole, parts):
+        opened = re.compile(rb'\n\tOpening include file "[^"]*"\.\.\.')
+        parts.stderr = opened.sub(b"", parts.stderr)
+        self.same("includes", whole, parts)
+
+    def check_line(self, piece, rng):
+        whole = {"piece.txt": piece.text}
+        text = piece.text
+        for gap in sorted(rng.sample(piece.gaps, min(len(piece.gaps), rng.choice([1, 2, 5]))), reverse=True):
+            line = rng.choice(["\n", "; put in\n", "   \n", "\t; it's new: $no ~no p2 }\n", "/* put in */\n", "\r\n"])
+            text = text[:gap] + line + text[gap:]
+        before = self.run(whole)
+        after = self.run({"piece.txt": text})
+        for result in (before, after):
+            result.stderr = re.sub(rb"([Ll]ine) \d+", rb"\1 N", result.stderr)
+        self.same("line", before, after)
+
+    def check_score(self, piece, plain):
+        blocks = []  # (number of the block, instrument, rows of texts)
+        for line in plain.output.decode("latin-1").split("\n"):
+            head = re.fullmatch(r";I-block #(\d+) \(i(-?\d+)\):", line)
+            if head:
+                blocks.append((int(head[1]), int(head[2]), []))
+            elif blocks and re.match(r"i-?\d+ +(-?\d|-?inf|-?nan)", line):
+                blocks[-1][2].append(line.split())
+        if not plain.output.endswith(b"\ne\n"):
+            raise Broken("columns: the score does not end in its last line")
+        text = plain.stderr.decode("latin-1")
+        said = re.findall(r"\n\n(\d+) events generated in block #(\d+) \(i(-?\d+)\)\.\n"
+                          rf"Total i-block duration: {NUMBER} \(secs\), {NUMBER} \(beats\)\n"
+                          rf"Cumulative i-block duration: {NUMBER} \(secs\)\n", text)
+        # a block of rests only leaves its comment line and no summary
+        sounding = [block for block in blocks if block[2]]
+        if len(said) != len(sounding):
+            raise Broken(f"summary: {len(said)} summaries for {len(sounding)} blocks")
+        last = 0.0
+        for (number, instrument, rows), words in zip(sounding, said):
+            where = f"block #{number} (i{instrument})"
+            if (int(words[1]), int(words[2])) != (number, instrument):
+                raise Broken(f"summary: {where} is called #{words[1]} (i{words[2]})")
+            if len({len(row) for row in rows}) != 1:
+                raise Broken(f"columns: {where} has lines of different lengths")
+            if not piece.broken and instrument in piece.blocks:
+                fields, hidden = piece.blocks[instrument]
+                if len(rows[0]) != fields - hidden:
+                    raise Broken(f"columns: {where} has {len(rows[0])}, its header says {fields} with {hidden} hidden")
+            if any(row[0] != f"i{instrument}" for row in rows):
+                raise Broken(f"columns: {where} holds a line of another instrument")
+            if int(words[0]) != len(rows):
+                raise Broken(f"summary: {words[0]} events in {where}, {len(rows)} in the score")
+            starts = [float(row[1]) for row in rows]
+            durations = [float(row[2]) for row in rows]
+            if any(a > b for a, b in zip(starts, starts[1:])):
+                raise Broken(f"sorted: {where}")
+            end = max([0.0] + [s + d for s, d in zip(starts, durations)])
+            last = max(last, end)
+            seconds, beats, said_end = (float(word) for word in words[3:])
+            if not (math.isfinite(end) and math.isfinite(seconds)):
+                continue
+            # what is printed is rounded, in the score to its own decimals
+            error = 0.011 + max(self.rounding(rows[0][1]) * 2 + self.rounding(rows[0][2]), end * 1e-6)
+            if abs(said_end - end) > error or abs(seconds - (end - starts[0])) > error:
+                raise Broken(f"summary: {where} ends at {end}, said {said_end}; lasts {end - starts[0]}, said {seconds}")
+        total = re.search(rf"Global cumulative duration of all i-blocks = {NUMBER} \(secs\)\n", text)
+        if not total:
+            raise Broken("summary: no global duration")
+        ends = [float(words[5]) for words in said] + [0.0]
+        if float(total[1]) != max(ends) and not math.isnan(float(total[1])):
+            raise Broken(f"summary: {total[1]} seconds in all, the blocks say {max(ends)}")
+
+    @staticmethod
+    def rounding(text):
+        return 0.5 * 10.0 ** -(len(text.split(".")[1]) if "." in text else 0)
+
+    def check_midi(self, result):
+        data = result.output
+        if data[:14] != bytes.fromhex("4d54686400000006000100 0201e0".replace(" ", "")):
+            raise Broken(f"midi: the header is {data[:14].hex()}")
+        data, tracks = data[14:], []
+        while data:
+            if data[:4] != b"MTrk":
+                raise Broken(f"midi: {data[:4]!r} where a track begins")
+            length = int.from_bytes(data[4:8], "big")
+            tracks.append(data[8:8 + length])
+            if len(tracks[-1]) != length:
+                raise Broken("midi: a track shorter than announced")
+            data = data[8 + length:]
+        if len(tracks) != 2:
+            raise Broken(f"midi: {len(tracks)} tracks")
+        notes, at, counts, order = tracks[1], 0, {0x90: 0, 0x80: 0}, []
+        while True:
+            delta = 0
+            while notes[at] & 0x80:
+                delta, at = delta << 7 | notes[at] & 0x7F, at + 1
+            delta, at = delta << 7 | notes[at], at + 1
+            order.append(delta)
+            if notes[at] == 0xFF:
+                break
+            counts[notes[at]] += 1
+            at += 3
+        if notes[at:] != b"\xff\x2f\x00":
+            raise Broken("midi: the note track does not end in its end mark")
+        if counts[0x90] != counts[0x80] or not counts[0x90]:
+            raise Broken(f"midi: {counts[0x90]} notes begin, {counts[0x80]} end")
+        said = re.search(rb"\n(\d+) events generated", result.stderr)
+        if not said or int(said[1]) != counts[0x90] * 2:
+            raise Broken("midi: the summary counts other events")
+        listed = re.findall(rb"(?m)^" + NUMBER.encode() + rb"\t.*\t(?:ON|OFF)\tN: ", result.stderr)
+        starts = [float(start) for start in listed]
+        if len(starts) != counts[0x90] * 2 or any(a > b for a, b in zip(starts, starts[1:])):
+            raise Broken("midi: the listing is not that of the track, in order")
+
+
+# ---- many pieces
+
+
+def begin_worker(folder):
+    os.chdir(tempfile.mkdtemp(dir=folder))
+
+
+def one(task):
+    binary, seed = task
+    try:
+        Checker(binary).check(seed)
+    except Broken as law:
+        return seed, str(law)
+    except (IndexError, KeyError) as fault:
+        return seed, f"midi: cannot be read: {fault!r}"
+    return seed, None
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("binary")
+    parser.add_argument("--pieces", type=int, default=1000)
+    parser.add_argument("--seed", type=int, default=0, help="the first piece's seed; the others follow it")
+    parser.add_argument("--jobs", type=int, default=min(2, os.cpu_count() or 1))
+    parser.add_argument("--keep", help="the folder for failing pieces")
+    given = parser.parse_args()
+    binary = str(Path(given.binary).resolve())
+    keep = Path(given.keep or Path(tempfile.gettempdir()) / "korvo-failing-pieces").resolve()
+    folder = tempfile.mkdtemp(prefix="korvo-laws-", dir="/dev/shm" if os.path.isdir("/dev/shm") else None)
+    passed = failed = 0
+    try:
+        tasks = ((binary, seed) for seed in range(given.seed, given.seed + given.pieces))
+        with multiprocessing.Pool(given.jobs, begin_worker, (folder,)) as pool:
+            for seed, law in pool.imap_unordered(one, tasks, chunksize=8):
+                if law is None:
+                    passed += 1
+                    continue
+                failed += 1
+                place = keep / f"seed-{seed}"
+                place.mkdir(parents=True, exist_ok=True)
+                piece = generate.generate(seed)
+                generate.write(piece.files, place)
+                (place / "law.txt").write_text(f"{law}\n\nmade by: generate.py {seed}\n"
+                                               f"again:   laws.py {binary} --pieces 1 --seed {seed}\n")
+                print(f"seed {seed}: {law}\n    kept in {place}", flush=True)
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

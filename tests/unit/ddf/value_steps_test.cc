@@ -1,0 +1,412 @@
+#include "ddf/value_steps.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "ddf/loops.h"
+#include "support/events.h"
+#include "support/piece.h"
+#include "support/scripted_draws.h"
+
+namespace {
+
+// A block with `parameters` p-fields from P4 up, of `events` events, or with 0 measured in beats.
+struct Block : Piece {
+  explicit Block(int parameters, std::int64_t events, float length = 0.0F, float start = 0.0F)
+      : Piece("the line\n") {
+    read();
+    run.block.header.pfieldCount = parameters + 3;
+    run.block.header.start = start;
+    run.block.header.length = events > 0 ? static_cast<float>(-events) : length;
+    run.block.target = events;
+    beginEvents(run.events, parameters);
+    startClock(run);
+    beginPfield(run, 2);
+  }
+
+  void makeEvents(int count, float rhythm) {
+    for (int i = 0; i < count; ++i) {
+      ScriptedDraws draws{kDrawHalf};
+      EXPECT_EQ(startStep(run, rhythm, ZeroInterval::kAllowed), kOk);
+    }
+    run.block.target = count;
+  }
+};
+
+TEST(ValueSteps, ABlockOfEventsIsFullByTheirNumber) {
+  Block block(0, 3);
+  for (int filled = 0; filled < 6; ++filled) {
+    block.run.pfield.filled = filled;
+    EXPECT_EQ(blockIsFull(block.run), filled >= 3) << filled;
+  }
+}
+
+TEST(ValueSteps, ABlockOfBeatsIsFullByItsClock) {
+  Block block(0, 0, 4.0F);
+  struct {
+    float beat;
+    bool full;
+  } rows[] = {{0, false}, {3.999F, false}, {4, true}, {5, true}};
+  for (const auto &row : rows) {
+    block.run.tempo.beat = row.beat;
+    EXPECT_EQ(blockIsFull(block.run), row.full) << row.beat;
+  }
+}
+
+TEST(ValueSteps, ABlockThatAsksForTooManyEventsIsKnownBeforehand) {
+  struct {
+    std::int64_t target;
+    std::int64_t filled;
+    std::int64_t more;
+    bool exceeds;
+  } rows[] = {
+      {10, 0, 10, false},
+      {10, 0, std::int64_t{1} << 60, false},
+      {67108864, 0, 67108864, false},
+      {67108865, 0, 67108864, false},
+      {67108865, 0, 67108865, true},
+      {67108865, 1, 67108865, false},
+      {std::int64_t{1} << 62, 0, 5, false},
+      {std::int64_t{1} << 62, 0, std::int64_t{1} << 62, true},
+      {0, 0, std::int64_t{1} << 62, false},  // measured in beats
+  };
+  for (const auto &row : rows) {
+    Block block(0, row.target, 4.0F);
+    block.run.pfield.filled = row.filled;
+    EXPECT_EQ(exceedsBlock(block.run, row.more), row.exceeds) << row.target << " " << row.more;
+  }
+}
+
+TEST(ValueSteps, TheClockBeginsAtTheStartInBeats) {
+  Block block(0, 0, 8.0F, 10.0F);
+  EXPECT_EQ(block.run.tempo.beat, 10);
+  EXPECT_EQ(block.run.block.endBeat, 18);
+  block.run.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
+  startClock(block.run);
+  EXPECT_EQ(block.run.tempo.beat, 20);
+  EXPECT_EQ(block.run.block.endBeat, 28);
+}
+
+TEST(ValueSteps, StartsFollowTheMagnitudesOfTheRhythms) {
+  Block block(0, 10, 0, 5.0F);
+  ScriptedDraws draws{};
+  for (float rhythm : {1.0F, -2.0F, 0.5F, 0.0F, 4.0F}) {
+    EXPECT_EQ(startStep(block.run, rhythm, ZeroInterval::kError), kOk);
+  }
+  EXPECT_EQ(draws.taken(), 5U);  // one each, also without any deviation
+  struct {
+    float start;
+    float rhythm;
+    float beat;
+  } rows[] = {{5, 1, 5}, {6, -2, 6}, {8, 0.5F, 8}, {8.5F, 0, 8.5F}, {8.5F, 4, 8.5F}};
+  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  ASSERT_EQ(events.size(), 5U);
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    EXPECT_EQ(events[i]->start, rows[i].start) << i;
+    EXPECT_EQ(events[i]->duration, rows[i].rhythm) << i;
+    EXPECT_EQ(events[i]->beat, rows[i].beat) << i;
+    EXPECT_EQ(events[i]->flag, 0) << i;
+  }
+  EXPECT_EQ(block.run.tempo.beat, 12.5F);
+  EXPECT_EQ(block.run.pfield.filled, 5);
+  EXPECT_TRUE(block.run.pfield.dataSeen);
+}
+
+TEST(ValueSteps, RhythmsAreConvertedThenDeviated) {
+  Block block(0, 10, 0, 3.0F);
+  block.run.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
+  startClock(block.run);  // beat 6
+  block.run.settings.rd = 0.25F;
+  block.run.settings.dv = 0.25F;
+  ScriptedDraws draws{kDrawOne, kDrawZero, kDrawHalf};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(startStep(block.run, 4, ZeroInterval::kError), kOk);  // 2 s, spread by 1 s
+  }
+  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  EXPECT_EQ(events[0]->duration, 2.5F);
+  EXPECT_EQ(events[1]->duration, 1.5F);
+  EXPECT_EQ(events[2]->duration, 2.0F);
+  EXPECT_EQ(events[0]->start, 3.0F);
+  EXPECT_EQ(events[1]->start, 5.5F);
+  EXPECT_EQ(events[2]->start, 7.0F);
+  // The clock moves by the beats as they were.
+  EXPECT_EQ(events[0]->beat, 6);
+  EXPECT_EQ(events[1]->beat, 10);
+  EXPECT_EQ(events[2]->beat, 14);
+  EXPECT_EQ(block.run.tempo.beat, 18);
+}
+
+TEST(ValueSteps, AnInsertedEventStartsWithTheOneBefore) {
+  Block block(0, 10);
+  ScriptedDraws draws{};
+  startStep(block.run, 1, ZeroInterval::kError);
+  startStep(block.run, 2, ZeroInterval::kError);
+  block.run.pfield.insertRequest = true;
+  startStep(block.run, 0.5F, ZeroInterval::kError);
+  EXPECT_FALSE(block.run.pfield.insertRequest);
+  startStep(block.run, 4, ZeroInterval::kError);
+  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  EXPECT_EQ(events[2]->flag, 1);
+  EXPECT_EQ(events[2]->start, 1);
+  EXPECT_EQ(events[2]->beat, 1);
+  EXPECT_EQ(events[2]->duration, 0.5F);
+  EXPECT_EQ(events[3]->flag, 0);
+  EXPECT_EQ(events[3]->start, 1.5F);  // behind the inserted one
+  EXPECT_EQ(events[3]->beat, 3.5F);   // it has moved the clock like any other
+}
+
+TEST(ValueSteps, AnIntervalOfZeroIsAnErrorInABlockOfBeats) {
+  Block block(0, 0, 4.0F);
+  ScriptedDraws draws{};
+  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(startStep(block.run, -0.0F, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(block.run.events.count, 0U);
+  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk);
+  EXPECT_EQ(startStep(block.run, 1e-6F, ZeroInterval::kError), kOk);
+  // Too small to move the clock counts as zero.
+  block.run.tempo.beat = 1000000;
+  EXPECT_EQ(startStep(block.run, 0.01F, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(startStep(block.run, -0.01F, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(startStep(block.run, 0.125F, ZeroInterval::kError), kOk);
+  Block counted(0, 4);
+  EXPECT_EQ(startStep(counted.run, 0, ZeroInterval::kError), kOk);
+}
+
+TEST(ValueSteps, ABlockOfBeatsThatStandsStillEnds) {
+  Block block(0, 0, 4.0F);
+  std::srand(1);
+  for (int i = 0; i < 65536; ++i) {
+    ASSERT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk) << i;
+  }
+  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kZeroInterval);
+}
+
+TEST(ValueSteps, AnyMovementCountsAnew) {
+  Block block(0, 0, 4.0F);
+  std::srand(1);
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 60000; ++i) {
+      ASSERT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk) << i;
+    }
+    ASSERT_EQ(startStep(block.run, 0.5F, ZeroInterval::kAllowed), kOk);
+  }
+}
+
+TEST(ValueSteps, DurationsByTheirBand) {
+  struct {
+    float value;
+    float rhythm;
+    float duration;
+    bool warned;
+  } rows[] = {
+      {0.5F, 4, 2, false},        // a factor
+      {-0.5F, 4, -2, false},      //
+      {0, 4, 0, false},           //
+      {199, 2, 398, false},       //
+      {200, 4, 4, false},         // the rhythm plus
+      {201.5F, 4, 5.5F, false},   //
+      {-201.5F, 4, 2.5F, false},  //
+      {299, 4, 103, false},       //
+      {300, 4, 4, true},          // the rhythm less; the warning comes when it stays positive
+      {301, 4, 3, true},          //
+      {304, 4, 0, false},         //
+      {305, 4, -1, false},        //
+      {-301, 4, 5, true},         //
+      {399, 4, -95, false},       //
+      {400, 4, 0, false},         // beats
+      {402, 4, 1, false},         //
+      {-402, 4, -1, false},       //
+      {999, 4, 299.5F, false},    //
+      {1000, 4, 0, false},        // seconds
+      {1002.5F, 4, 2.5F, false},  //
+      {-1002.5F, 4, -2.5F, false},
+      {3, -4, -12, false},   // of a rest's rhythm
+      {201, -4, -3, false},  //
+      {301, -4, -5, false},
+  };
+  for (const auto &row : rows) {
+    Block block(0, 1);
+    block.makeEvents(1, row.rhythm);
+    block.run.tempo.current = 120;
+    beginPfield(block.run, 3);
+    EventRecord &event = *eventsOf(block.run.events)[0];
+    ScriptedDraws draws{};
+    durationStep(block.run, block.source, event, row.value);
+    EXPECT_EQ(draws.taken(), 2U) << row.value;
+    EXPECT_EQ(event.duration, row.duration) << row.value;
+    EXPECT_EQ(block.messages(),
+              row.warned ? "\nWARNING: P3 Duration < 0! (Event turned into rest...)" : "")
+        << row.value;
+  }
+}
+
+TEST(ValueSteps, DurationsAreDeviatedByRDThenByDV) {
+  Block block(0, 1);
+  block.makeEvents(1, 1);
+  beginPfield(block.run, 3);
+  block.run.settings.rd = 0.5F;
+  block.run.settings.dv = 0.25F;
+  EventRecord &event = *eventsOf(block.run.events)[0];
+  ScriptedDraws draws{kDrawOne, kDrawZero};
+  durationStep(block.run, block.source, event, 1008);
+  EXPECT_EQ(event.duration, 8.75F);  // 8 spread to 10, then 10 to 8.75
+}
+
+TEST(ValueSteps, DurationsAreMultipliedByPF) {
+  Block block(0, 1);
+  block.makeEvents(1, 4);
+  beginPfield(block.run, 3);
+  block.run.settings.pf = -0.5F;
+  EventRecord &event = *eventsOf(block.run.events)[0];
+  ScriptedDraws draws{};
+  durationStep(block.run, block.source, event, 201);
+  EXPECT_EQ(event.duration, -2.5F);
+}
+
+TEST(ValueSteps, Parameters) {
+  struct {
+    CommandCode mode;
+    bool quarterTones;
+    float value;
+    float stored;
+  } rows[] = {
+      {kRE, false, 2.5F, 2.5F}, {kIN, false, 2.5F, 2.5F},  {kDB, false, 2.25F, 2.25F},
+      {kNO, false, 2.5F, 3},    {kNO, false, -2.5F, -2},   {kOP, false, 2.4F, 2},
+      {kNO, true, 2.5F, 2.5F},  {kOP, true, 2.25F, 2.25F},
+  };
+  for (const auto &row : rows) {
+    Block block(3, 1);
+    block.makeEvents(1, 1);
+    beginPfield(block.run, 5);
+    block.run.pfield.inputMode = row.mode;
+    block.run.name.quarterTones = row.quarterTones;
+    block.run.settings.pf = 2;
+    EventRecord &event = *eventsOf(block.run.events)[0];
+    ScriptedDraws draws{kDrawZero};
+    EXPECT_EQ(parameterStep(block.run, event, row.value), row.stored) << row.mode;
+    EXPECT_EQ(draws.taken(), 1U);
+    EXPECT_EQ(valuesOf(event)[0], 0);
+    EXPECT_EQ(valuesOf(event)[1], row.stored * 2) << row.mode;
+    EXPECT_EQ(valuesOf(event)[2], 0);
+  }
+}
+
+TEST(ValueSteps, ParametersAreDeviatedBeforeRounding) {
+  Block block(1, 1);
+  block.makeEvents(1, 1);
+  beginPfield(block.run, 4);
+  block.run.settings.rd = 0.25F;
+  block.run.settings.dv = 0.25F;
+  EventRecord &event = *eventsOf(block.run.events)[0];
+  {
+    ScriptedDraws draws{kDrawQuarter};
+    EXPECT_EQ(parameterStep(block.run, event, 100), 87.5F);  // 100 - 25 + 12.5
+  }
+  {
+    ScriptedDraws draws{kDrawQuarter};
+    EXPECT_EQ(parameterStep(block.run, event, -100), -87.5F);
+  }
+  block.run.pfield.inputMode = kNO;
+  {
+    ScriptedDraws draws{kDrawQuarter};
+    EXPECT_EQ(parameterStep(block.run, event, 100), 88);
+  }
+}
+
+TEST(ValueSteps, EventsAreFilledInTheirOrder) {
+  Block block(1, 3);
+  block.makeEvents(3, 1);
+  beginPfield(block.run, 4);
+  ScriptedDraws draws{};
+  for (float value : {1.0F, 2.0F, 3.0F}) {
+    EXPECT_EQ(applyValue(block.run, block.source, value), kOk);
+  }
+  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(valuesOf(*events[i])[0], i + 1);
+  }
+  EXPECT_TRUE(blockIsFull(block.run));
+}
+
+TEST(ValueSteps, AnInsertedValueFillsACopyOfTheEventBefore) {
+  Block block(2, 2);
+  block.makeEvents(2, 1);
+  beginPfield(block.run, 4);
+  ScriptedDraws draws{};
+  EXPECT_EQ(applyValue(block.run, block.source, 10), kOk);
+  valuesOf(*eventsOf(block.run.events)[0])[1] = 5;
+  block.run.pfield.insertRequest = true;
+  EXPECT_EQ(applyValue(block.run, block.source, 11), kOk);
+  EXPECT_FALSE(block.run.pfield.insertRequest);
+  EXPECT_EQ(applyValue(block.run, block.source, 12), kOk);
+  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  ASSERT_EQ(events.size(), 3U);
+  EXPECT_EQ(valuesOf(*events[0])[0], 10);
+  EXPECT_EQ(valuesOf(*events[1])[0], 11);
+  EXPECT_EQ(valuesOf(*events[2])[0], 12);
+  EXPECT_EQ(events[0]->flag, 0);
+  EXPECT_EQ(events[1]->flag, 1);
+  EXPECT_EQ(events[1]->start, 0);
+  EXPECT_EQ(events[1]->beat, 0);
+  EXPECT_EQ(events[1]->duration, 1);
+  EXPECT_EQ(valuesOf(*events[1])[1], 5);  // all other p-fields are copied
+  EXPECT_EQ(events[2]->start, 1);
+}
+
+TEST(ValueSteps, ACopyCanBeMadeBeforeItIsFilled) {
+  Block block(1, 2);
+  block.makeEvents(2, 1);
+  beginPfield(block.run, 4);
+  ScriptedDraws draws{};
+  EXPECT_EQ(insertPending(block.run), kOk);
+  EXPECT_EQ(block.run.events.count, 2U);
+  applyValue(block.run, block.source, 10);
+  block.run.pfield.insertRequest = true;
+  EXPECT_EQ(insertPending(block.run), kOk);
+  EXPECT_FALSE(block.run.pfield.insertRequest);
+  EXPECT_EQ(block.run.events.count, 3U);
+  EXPECT_EQ(eventAt(block.run.events, peekNextEvent(block.run)).flag, 1);
+  applyValue(block.run, block.source, 11);
+  EXPECT_EQ(valuesOf(*eventsOf(block.run.events)[1])[0], 11);
+}
+
+TEST(ValueSteps, ARestInNotesSilencesTheEvent) {
+  struct {
+    CommandCode mode;
+    float value;
+    float duration;
+  } rows[] = {{kNO, -1, -2}, {kNO, 0, 2}, {kNO, 5, 2}, {kRE, -1, 2}, {kOP, -1, 2}, {kIN, -1, 2}};
+  for (const auto &row : rows) {
+    Block block(1, 1);
+    block.makeEvents(1, 2);
+    beginPfield(block.run, 4);
+    block.run.pfield.inputMode = row.mode;
+    ScriptedDraws draws{};
+    EXPECT_EQ(applyValue(block.run, block.source, row.value), kOk);
+    EXPECT_EQ(eventsOf(block.run.events)[0]->duration, row.duration) << row.mode;
+    EXPECT_EQ(valuesOf(*eventsOf(block.run.events)[0])[0], row.value);
+  }
+}
+
+TEST(ValueSteps, EveryPfieldHasItsStep) {
+  Block block(1, 2);
+  {
+    ScriptedDraws draws{};
+    EXPECT_EQ(applyValue(block.run, block.source, 2), kOk);
+    EXPECT_EQ(draws.taken(), 1U);
+  }
+  EXPECT_EQ(block.run.events.count, 1U);
+  beginPfield(block.run, 3);
+  {
+    ScriptedDraws draws{};
+    EXPECT_EQ(applyValue(block.run, block.source, 1.5F), kOk);
+    EXPECT_EQ(draws.taken(), 2U);
+  }
+  EXPECT_EQ(eventsOf(block.run.events)[0]->duration, 3);
+}
+
+}  // namespace
