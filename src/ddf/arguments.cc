@@ -13,8 +13,6 @@
 
 namespace {
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 // "T": the whole block, or with "*f" the fraction f of it, in beats or as a number of events, as
 // the block is measured.
 ErrorCode readWholeSpan(RunState &run, SourceReader &source, float &span) {

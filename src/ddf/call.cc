@@ -48,7 +48,7 @@ ErrorCode readSegments(RunState &run, SourceReader &source, const Generator &gen
       return error;
     }
     ++table.count;
-    if (source.line[source.position] == ')') {
+    if (current(source) == ')') {
       ++source.position;
       return kOk;
     }

@@ -10,8 +10,6 @@
 
 namespace {
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 bool isReferenceStart(char c) { return c == 'p' || c == 'P'; }
 
 bool isOperator(char c) { return c == '+' || c == '-' || c == '*' || c == '/' || c == '%'; }

@@ -11,8 +11,6 @@
 
 namespace {
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 ErrorCode beginS2(RunState &run, SourceReader & /*source*/) {
   return run.pfield.number < 4 ? kS2NeedsP4 : kOk;
 }

@@ -22,7 +22,7 @@ ErrorCode readBound(RunState &run, SourceReader &source, float &bound) {
 
 // Steps over `bracket` and the separator behind it, if it stands there.
 ErrorCode skipBracket(RunState &run, SourceReader &source, char bracket) {
-  if (source.line[source.position] != bracket) {
+  if (current(source) != bracket) {
     return kOk;
   }
   ++source.position;

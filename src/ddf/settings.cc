@@ -12,27 +12,13 @@ namespace {
 
 constexpr float kLargestDeviation = 100.0F;  // 100 itself is fine
 
-// From behind the name to the value.
-ErrorCode openStatement(RunState &run, SourceReader &source) {
-  ErrorCode error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
-  if (source.line[source.position] != '(') {
-    return kIllegalStatementStart;
-  }
-  ++source.position;
-  error = skip_blanks(run, source);
-  return error > 0 ? error : kOk;
-}
-
 // From behind the value to behind the ")".
 ErrorCode closeStatement(RunState &run, SourceReader &source) {
   ErrorCode error = skip_blanks(run, source);
   if (error > 0) {
     return error;
   }
-  if (source.line[source.position] != ')') {
+  if (current(source) != ')') {
     return kMissingParenthesis;
   }
   ++source.position;
@@ -45,6 +31,9 @@ ErrorCode readStatement(RunState &run, SourceReader &source,
                         bool (*readNumber)(Number &, const char *, std::int32_t &),
                         ErrorCode unreadable, Number &value) {
   ErrorCode error = openStatement(run, source);
+  if (error <= 0) {
+    error = skip_blanks(run, source);
+  }
   if (error > 0) {
     return error;
   }

@@ -97,7 +97,7 @@ ErrorCode readIncludes(RunState &run, SourceReader &source, Files &files) {
 
 bool inputIsUsedUp(const SourceReader &source) { return std::feof(source.input) != 0; }
 
-bool lineIsUsedUp(const SourceReader &source) { return source.line[source.position] == '\0'; }
+bool lineIsUsedUp(const SourceReader &source) { return current(source) == '\0'; }
 
 // Reads on to the next i-block. At the end of the input the rest of the last line is passed over.
 ErrorCode scanToBlock(RunState &run, SourceReader &source) {

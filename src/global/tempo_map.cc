@@ -48,7 +48,7 @@ ErrorCode readCurve(RunState &run, SourceReader &source, TempoDef &def) {
   if (error > 0) {
     return error;
   }
-  if (source.line[source.position] == '*') {
+  if (current(source) == '*') {
     return kBeatMoveNotAllowed;
   }
   return skip_separator(run, source);
@@ -126,7 +126,7 @@ ErrorCode defineTempoChange(RunState &run, SourceReader &source, float startTime
   }
   def.curveType = static_cast<float>(kPower);
   def.Vcurve = 1.0F;
-  if (isLetter(source.line[source.position])) {
+  if (isLetter(current(source))) {
     error = readCurve(run, source, def);
     if (error > 0) {
       return error;
@@ -141,7 +141,7 @@ ErrorCode defineTempoChange(RunState &run, SourceReader &source, float startTime
   if (error > 0) {
     return error;
   }
-  if (source.line[source.position] != ')') {
+  if (current(source) != ')') {
     return kMissingParenthesis;
   }
   ++source.position;
@@ -173,20 +173,16 @@ const TempoDef &findDefinition(const TempoMap &map, float beat) {
 }  // namespace
 
 ErrorCode DefineTempo(RunState &run, SourceReader &source) {
-  ErrorCode error = skip_blanks(run, source);
+  ErrorCode error = openStatement(run, source);
   if (error > 0) {
     return error;
   }
-  if (source.line[source.position] != '(') {
-    return kIllegalStatementStart;
-  }
-  ++source.position;
   float first = 0.0F;
   error = readTerm(run, source, kBadTempoTerm1, first);
   if (error > 0) {
     return error;
   }
-  bool isConstant = source.line[source.position] == ')';
+  bool isConstant = current(source) == ')';
   error =
       isConstant ? defineConstantTempo(run, source, first) : defineTempoChange(run, source, first);
   if (error > 0) {

@@ -13,8 +13,6 @@
 
 namespace {
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 // P2 comes first, the others in any order, each once.
 ErrorCode checkPfieldNumber(const BlockState &block, int number) {
   if (number == 0 || number == 1) {

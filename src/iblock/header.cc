@@ -18,8 +18,6 @@ constexpr float kLongLength = 600.0F;       // beats
 constexpr float kLongestLength = 10000.0F;  // beats
 constexpr int kSeparatorsBetweenItems = 4;
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 bool isBlockEnd(const char *text) { return *text == '}'; }
 
 // Up to four separators may stand between two items of a header.

@@ -20,8 +20,6 @@
 
 namespace {
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 bool endsPfield(const char *text) { return *text == '}' || atPfield(text); }
 
 // The output kind in the parentheses, the position behind the "(".

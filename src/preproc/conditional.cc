@@ -34,7 +34,7 @@ struct DroppedComments {
 // Whether the #endif of the section stands between here and the end of the line; the position is
 // then behind it.
 bool closesInLine(RunState &run, SourceReader &source, DroppedComments &comments, int outerDepth) {
-  while (source.line[source.position] != '\0') {
+  while (current(source) != '\0') {
     if (!comments.line && !comments.block && takeWord(source, "#")) {
       if (takeWord(source, "endif")) {
         if (--run.conditional.depth == outerDepth) {
@@ -76,14 +76,14 @@ ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
     return kBadIf;
   }
   skipBlanksInLine(source.line, source.position);
-  if (source.line[source.position] == '$') {
+  if (current(source) == '$') {
     ++source.position;
     ErrorCode error = ExpandMacroCall(run, source, nullptr, source.line, source.position, 1);
     if (error > 0) {
       return error;
     }
   }
-  if (source.line[source.position] == '~') {
+  if (current(source) == '~') {
     ++source.position;
     ErrorCode error = ExpandConstRef(run, source);
     if (error > 0) {
@@ -91,11 +91,11 @@ ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
     }
   }
   float number = 0.0F;
-  if (!isDigit(source.line[source.position]) || !read_float(number, source.line, source.position)) {
+  if (!isDigit(current(source)) || !read_float(number, source.line, source.position)) {
     return kIfNeedsValue;
   }
   skipBlanksInLine(source.line, source.position);
-  if (source.line[source.position] != ')') {
+  if (current(source) != ')') {
     return kIfNotClosed;
   }
   ++source.position;

@@ -65,7 +65,7 @@ ErrorCode readEquation(RunState &run, SourceReader &source, Reference &reference
 }
 
 ErrorCode readReference(RunState &run, SourceReader &source, Reference &reference) {
-  switch (source.line[source.position]) {
+  switch (current(source)) {
     case '@':
       return readRunVariable(run, source, reference);
     case '[':
@@ -109,14 +109,14 @@ static_assert(std::is_trivially_destructible_v<Constant>,
 }  // namespace
 
 ErrorCode ConstStatement(RunState &run, SourceReader &source) {
-  if (source.line[source.position] != 'c') {
+  if (current(source) != 'c') {
     return kOk;
   }
   // The keyword is tested as loosely as that of #undef; its "c" always matches.
   for (std::size_t i = 0; i < kConst.size(); ++i) {
     next_char(source);
   }
-  if (!isSpace(source.line[source.position])) {
+  if (!isSpace(current(source))) {
     return kBadDefinition;
   }
   ErrorCode error = skip_blanks(run, source);
@@ -126,7 +126,7 @@ ErrorCode ConstStatement(RunState &run, SourceReader &source) {
   if (error > 0) {
     return error;
   }
-  if (!isLetter(source.line[source.position])) {
+  if (!isLetter(current(source))) {
     return kConstantNeedsLetter;
   }
   char name[kLineBytes];  // the line may be read over before the name is needed
@@ -135,7 +135,7 @@ ErrorCode ConstStatement(RunState &run, SourceReader &source) {
   if (error > 0) {
     return error;
   }
-  if (source.line[source.position] == '$') {
+  if (current(source) == '$') {
     return kMacroInConstant;
   }
   double value = 0.0;

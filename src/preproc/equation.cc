@@ -57,7 +57,7 @@ bool isOneOf(char c, const char *characters) {
 
 // One step: a term, an operator or a blank.
 ErrorCode takeTerm(RunState &run, SourceReader &source, Equation &equation) {
-  char c = source.line[source.position];
+  char c = current(source);
   if (isLetter(c)) {
     const Constant *constant = nullptr;
     ErrorCode error = LookupConst(run, source, constant);
@@ -118,8 +118,8 @@ ErrorCode EvaluateEquation(RunState &run, SourceReader &source, double &result) 
   Equation equation;
   ++source.position;
   skipBlanksInLine(source.line, source.position);
-  while (source.line[source.position] != ']') {
-    if (source.line[source.position] == '\0') {
+  while (current(source) != ']') {
+    if (current(source) == '\0') {
       return kEquationNotClosed;
     }
     ErrorCode error = takeTerm(run, source, equation);

@@ -55,8 +55,6 @@ ErrorCode tooLong(RunState &run, const SourceReader &source, const char *firstLi
   return kContextOnly;
 }
 
-char current(const SourceReader &source) { return source.line[source.position]; }
-
 // Reads on when the line is used up. False when the input is used up too; `error` may hold the
 // line's own error.
 bool refill(RunState &run, SourceReader &source, ErrorCode &error) {

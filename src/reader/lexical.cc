@@ -10,17 +10,29 @@
 namespace {
 
 void skipSeparatorCharacter(SourceReader &source) {
-  if (source.line[source.position] == '/' || source.line[source.position] == ',') {
+  if (current(source) == '/' || current(source) == ',') {
     ++source.position;
   }
 }
 
-ErrorCode endIsFine(ErrorCode code) { return code == kEndOfInput ? kOk : code; }
+// Blanks, one comment if there is one, what `skipMore` skips, blanks.
+ErrorCode skipBetween(RunState &run, SourceReader &source, void (*skipMore)(SourceReader &)) {
+  ErrorCode error = skip_blanks(run, source);
+  CommentKind kind;
+  if (error == kOk && is_comment_start(source, kind)) {
+    error = skip_comment(run, source, kind);
+  }
+  if (error == kOk) {
+    skipMore(source);
+    error = skip_blanks(run, source);
+  }
+  return error == kEndOfInput ? kOk : error;
+}
 
 }  // namespace
 
 char next_char(SourceReader &source) {
-  char c = source.line[source.position];
+  char c = current(source);
   if (c != '\0') {
     ++source.position;
   }
@@ -36,7 +48,7 @@ void skipBlanksInLine(const char *text, std::int32_t &position) {
 ErrorCode skip_blanks(RunState &run, SourceReader &source) {
   for (;;) {
     skipBlanksInLine(source.line, source.position);
-    if (source.line[source.position] != '\0') {
+    if (current(source) != '\0') {
       return kOk;
     }
     if (std::feof(source.input) != 0) {
@@ -61,7 +73,7 @@ bool is_comment_start(const SourceReader &source, CommentKind &kind) {
 
 ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind) {
   if (kind == kSemicolonComment) {
-    while (source.line[source.position] != '\0') {
+    while (current(source) != '\0') {
       ++source.position;
     }
     return kOk;
@@ -93,32 +105,21 @@ ErrorCode skipClosedComment(RunState &run, SourceReader &source, CommentKind kin
 }
 
 ErrorCode skip_blanks_and_comments(RunState &run, SourceReader &source) {
-  ErrorCode error = skip_blanks(run, source);
-  if (error != kOk) {
-    return endIsFine(error);
-  }
-  CommentKind kind;
-  if (is_comment_start(source, kind)) {
-    error = skip_comment(run, source, kind);
-    if (error != kOk) {
-      return endIsFine(error);
-    }
-  }
-  return endIsFine(skip_blanks(run, source));
+  return skipBetween(run, source, [](SourceReader &) {});
 }
 
 ErrorCode skip_separator(RunState &run, SourceReader &source) {
+  return skipBetween(run, source, skipSeparatorCharacter);
+}
+
+ErrorCode openStatement(RunState &run, SourceReader &source) {
   ErrorCode error = skip_blanks(run, source);
-  if (error != kOk) {
-    return endIsFine(error);
+  if (error > 0) {
+    return error;
   }
-  CommentKind kind;
-  if (is_comment_start(source, kind)) {
-    error = skip_comment(run, source, kind);
-    if (error != kOk) {
-      return endIsFine(error);
-    }
+  if (current(source) != '(') {
+    return kIllegalStatementStart;
   }
-  skipSeparatorCharacter(source);
-  return endIsFine(skip_blanks(run, source));
+  ++source.position;
+  return kOk;
 }

@@ -39,3 +39,7 @@ ErrorCode skip_blanks_and_comments(RunState &run, SourceReader &source);
 // Blanks, at most one comment, one "," or one "/" (a comment may be followed by one of these),
 // blanks. The end of the input counts as success.
 ErrorCode skip_separator(RunState &run, SourceReader &source);
+
+// The "(" behind the name of a statement, blanks before it. Error 96 when something else stands
+// there.
+ErrorCode openStatement(RunState &run, SourceReader &source);

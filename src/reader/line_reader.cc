@@ -169,7 +169,7 @@ ErrorCode read_line(RunState &run, SourceReader &source) {
   if (source.skipping) {
     return kOk;
   }
-  while (isSpace(source.line[source.position])) {
+  while (isSpace(current(source))) {
     ++source.position;
   }
   const char *start = source.line + source.position;

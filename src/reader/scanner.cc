@@ -57,7 +57,7 @@ ErrorCode skipToBlock(RunState &run, SourceReader &source, bool &found) {
   found = false;
   for (;;) {
     skipBlanksInLine(source.line, source.position);
-    char c = source.line[source.position];
+    char c = current(source);
     CommentKind kind;
     if (c == '\0') {
       return kOk;

@@ -34,3 +34,6 @@ struct SourceReader {
   bool marked[kLineBytes] =
       {};  // the positions that belong to a macro definition; constants there stay as they are
 };
+
+// The character at the position; the NUL at the end of the line.
+inline char current(const SourceReader &source) { return source.line[source.position]; }
