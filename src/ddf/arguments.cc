@@ -1,3 +1,5 @@
+// Text comes in, a piece of a segment goes out. Everything here reads in the p-field's input mode
+// and across line ends, and steps over one separator at a time.
 #include "ddf/arguments.h"
 
 #include <utility>

@@ -10,13 +10,13 @@
 
 inline constexpr std::uint32_t kNoEvent = 0xFFFFFFFFU;
 inline constexpr std::uint32_t kMaxEvents = 67108864;  // in one i-block
-inline constexpr std::uint32_t kMaxRecords =
-    2 * kMaxEvents;  // a MIDI file adds a note-off to every event
+// A MIDI file adds a note-off to every event.
+inline constexpr std::uint32_t kMaxRecords = 2 * kMaxEvents;
 
 struct EventRecord {
-  std::int32_t flag;  // 1: inserted to start together with the event before it. In a MIDI file 1
-                      // note-on, 0 note-off
-  float start;        // seconds
+  // 1: inserted to start together with the event before it. In a MIDI file 1 note-on, 0 note-off.
+  std::int32_t flag;
+  float start;     // seconds
   float duration;  // seconds; P2 leaves the rhythm here until P3 replaces it; 0 or less is a rest
   float beat;      // the beat clock when the event was made
   std::uint32_t next;  // the event behind it; of the last event, the first
@@ -52,6 +52,17 @@ inline const float *valuesOf(const EventRecord &event) {
 
 inline std::uint32_t firstEvent(const EventList &list) {
   return list.last == kNoEvent ? kNoEvent : eventAt(list, list.last).next;
+}
+
+// Hands every event to `visit`, in the order of the score.
+template <typename Visit>
+void forEachEvent(const EventList &list, Visit visit) {
+  std::uint32_t event = firstEvent(list);
+  for (std::uint32_t left = list.count; left > 0; --left) {
+    EventRecord &record = eventAt(list, event);
+    event = record.next;
+    visit(record);
+  }
 }
 
 // Makes an event that is in no list yet, everything in it 0. kNoEvent when memory is refused or the

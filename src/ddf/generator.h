@@ -20,14 +20,15 @@ struct Moment {
   bool inBeats = false;    // P2 with a span in beats: curves follow `elapsed`
   float elapsed = 0.0F;    // beats or seconds since the call's first event
   float length = 0.0F;     // what `elapsed` grows towards
-  const EventRecord *event =
-      nullptr;  // the event to be filled; null in P2, which has yet to make it
+  // The event to be filled; null in P2, which has yet to make it.
+  const EventRecord *event = nullptr;
 };
 
 struct Generator {
   CommandCode name;
-  ErrorCode percentageMissing;  // the error when a segment has no percentage; kOk for a kind
-                                // without percentages, which has a single segment
+  // The error when a segment has no percentage; kOk for a kind without percentages, which has a
+  // single segment.
+  ErrorCode percentageMissing;
   // What is checked before anything is read; null for nothing.
   ErrorCode (*begin)(RunState &run, SourceReader &source);
   // Reads what stands behind a segment's percentage and separator.

@@ -1,3 +1,4 @@
+// The table of kinds: what makes a name a data function.
 #include "ddf/generator.h"
 
 namespace {

@@ -173,14 +173,16 @@ bool readPitch(RunState &run, const char *text, std::int32_t &position, float &v
   return true;
 }
 
+// clang-format off
 constexpr InputMode kModes[] = {
-    {kRE, beginsReal, readReal, true, true},        //
-    {kIN, beginsInteger, readInteger, true, true},  //
-    {kRH, beginsReal, readRhythm, true, false},     //
-    {kDB, beginsReal, readDecibels, false, false},  //
-    {kNO, beginsNote, readNote, false, false},      //
-    {kOP, beginsPitch, readPitch, false, false},    //
+    {kRE, beginsReal, readReal, true, true},
+    {kIN, beginsInteger, readInteger, true, true},
+    {kRH, beginsReal, readRhythm, true, false},
+    {kDB, beginsReal, readDecibels, false, false},
+    {kNO, beginsNote, readNote, false, false},
+    {kOP, beginsPitch, readPitch, false, false},
 };
+// clang-format on
 
 }  // namespace
 

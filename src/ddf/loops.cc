@@ -1,3 +1,7 @@
+// A p-field's text may end before its events do. What is left is given the values of the loop over
+// and over, or the last value; either takes the very steps that a value in the text takes. A value
+// that shares its start with the one before it adds an event, so the number of events to be filled
+// has to be raised before the block is asked whether it is full.
 #include "ddf/loops.h"
 
 #include <cstdlib>

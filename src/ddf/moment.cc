@@ -1,3 +1,4 @@
+// A moment and a curve come in, a value between two ends goes out.
 #include "ddf/moment.h"
 
 #include "driver/run_state.h"

@@ -18,15 +18,15 @@ struct LoopRecord {
   LoopEntry *entries = nullptr;
   std::uint32_t count = 0;
   std::uint32_t capacity = 0;
-  bool hasUnshared =
-      false;  // an entry that is not shared; without one the loop could only pile events up
+  // An entry that is not shared; without one the loop could only pile events up.
+  bool hasUnshared = false;
 };
 
 struct PfieldState {
   int number = 0;
   CommandCode inputMode = kRE;
-  float lastValue =
-      0.0F;  // the last value read or produced, before deviation; "z" in the text stands for it
+  // The last value read or produced, before deviation; "z" in the text stands for it.
+  float lastValue = 0.0F;
   std::int64_t filled = 0;          // events that have got a value
   std::uint32_t cursor = kNoEvent;  // the event filled last
   bool dataSeen = false;            // a value has reached an event

@@ -1,3 +1,4 @@
+// One table serves all calls of a run: a call empties it and leaves the memory to the next.
 #include "ddf/segment_table.h"
 
 #include <cstdlib>

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 inline constexpr int kMaxSegments = 128;
-inline constexpr std::uint32_t kMaxListValues =
-    65536;  // in one list of MS and SE, and values or groups of S2
+// In one list of MS and SE, and values or groups of S2.
+inline constexpr std::uint32_t kMaxListValues = 65536;
 
 // A range to draw from; the type is that of its distribution.
 struct Range {

@@ -1,3 +1,4 @@
+// A list's length comes in, the number of an item goes out.
 #include "ddf/selection.h"
 
 #include <cstring>

@@ -1,3 +1,7 @@
+// The heart of the program: a value comes in, an event has it. What a user would notice is decided
+// here: where an event starts, when a block is full, how far a value strays, what a duration code
+// means. A block whose target is 0 is measured in beats and has no number of events yet: in P2 its
+// clock decides when it is full. From P3 on every block has a target.
 #include "ddf/value_steps.h"
 
 #include <algorithm>

@@ -19,8 +19,8 @@ struct SourceReader;
 
 struct Screen {
   std::FILE *log = nullptr;  // null without -l
-  std::FILE *stream =
-      nullptr;  // where the gathered bytes belong: stderr or stdout; null when there are none
+  // Where the gathered bytes belong: stderr or stdout; null when there are none.
+  std::FILE *stream = nullptr;
   std::size_t used = 0;
   bool isTerminal = false;  // standard error is a terminal: every message is written at once
   bool lineShown = false;   // a passing line stands on the terminal

@@ -1,3 +1,4 @@
+// A count and the clock come in, now and then a line goes to the terminal.
 #include "driver/progress.h"
 
 #include <chrono>

@@ -9,7 +9,7 @@
 struct RunState;
 
 struct Progress {
-  std::uint32_t steps = 0;  // values and lines since the block began
+  std::uint64_t steps = 0;  // values and lines since the block began
   std::int64_t began = 0;   // milliseconds, when the block began
   std::int64_t drawn = 0;   // milliseconds, when the line was drawn last
 };
@@ -22,6 +22,6 @@ void drawProgress(RunState &run, const char *stage, std::int64_t done);
 
 // Counts one value or line; true now and then, when it is worth looking at the clock.
 inline bool countProgress(Progress &progress) {
-  constexpr std::uint32_t kStepsBetweenLooks = 1U << 15;
+  constexpr std::uint64_t kStepsBetweenLooks = 1U << 15;
   return ++progress.steps % kStepsBetweenLooks == 0;
 }

@@ -11,6 +11,7 @@
 #include <new>
 
 #include "ddf/loops.h"
+#include "driver/catalogue.h"
 #include "driver/files.h"
 #include "driver/run_state.h"
 #include "driver/version.h"
@@ -25,8 +26,8 @@ constexpr int kFailure = 1;
 
 struct Files {
   std::FILE *input = nullptr;
-  std::FILE *temporary =
-      nullptr;  // the input with its includes; read in place of it after the include pass
+  // The input with its includes; read in place of it after the include pass.
+  std::FILE *temporary = nullptr;
 };
 
 bool cannotOpen(const char *name) {
@@ -233,7 +234,7 @@ int runKorvo(int argc, const char *const *argv) {
     run->options = options;
     status = runWith(*run, *source);
   } else {
-    std::fprintf(stderr, "\nERROR: %s\n\n", "Yikes, out of memory!");
+    std::fprintf(stderr, "\nERROR: %s\n\n", errorText(kOutOfMemory));
   }
   delete source;
   delete run;

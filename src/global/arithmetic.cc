@@ -1,3 +1,4 @@
+// Small functions of numbers alone. Their roundings decide digits of scores, so none may change.
 #include "global/arithmetic.h"
 
 #include <cmath>

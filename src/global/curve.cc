@@ -1,3 +1,4 @@
+// A place on the way comes in, a value between two ends goes out.
 #include "global/curve.h"
 
 #include <cmath>

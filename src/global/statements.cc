@@ -1,3 +1,4 @@
+// A statement's name comes in, already read; its row in the table knows who reads the rest.
 #include "global/statements.h"
 
 #include <cstring>

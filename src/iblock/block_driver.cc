@@ -1,3 +1,5 @@
+// Text comes in through the parser, the finished events go out through a writer, and what the block
+// came to is told and added to the run.
 #include "iblock/block_driver.h"
 
 #include <algorithm>
@@ -21,14 +23,11 @@ struct BlockSummary {
 
 BlockSummary summarize(const EventList &list) {
   BlockSummary summary;
-  std::uint32_t event = firstEvent(list);
-  const EventRecord &first = eventAt(list, event);
+  const EventRecord &first = eventAt(list, firstEvent(list));
   summary.count = list.count;
-  for (std::uint32_t left = list.count; left > 0; --left) {
-    const EventRecord &record = eventAt(list, event);
-    summary.end = std::max(summary.end, static_cast<double>(record.start + record.duration));
-    event = record.next;
-  }
+  forEachEvent(list, [&summary](const EventRecord &event) {
+    summary.end = std::max(summary.end, static_cast<double>(event.start + event.duration));
+  });
   summary.seconds = summary.end - static_cast<double>(first.start);
   summary.beats = eventAt(list, list.last).beat - first.beat;
   return summary;
@@ -50,7 +49,11 @@ void writeBlockComment(RunState &run) {
 
 // Writes the block in the form of the run. `written` tells whether there was anything to write.
 ErrorCode writeBlock(RunState &run, bool &written) {
-  if (!run.options.midi && run.events.count > 0) {
+  written = false;
+  if (run.events.count == 0) {
+    return kOk;
+  }
+  if (!run.options.midi) {
     writeBlockComment(run);
     written = ScoreWriter(run);
     return kOk;

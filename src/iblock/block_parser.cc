@@ -1,3 +1,5 @@
+// A header, statements, p-fields, a brace. The parser keeps the order of the p-fields and leaves
+// what stands in them to their own room.
 #include "iblock/block_parser.h"
 
 #include "ddf/loops.h"
@@ -5,7 +7,6 @@
 #include "driver/run_state.h"
 #include "iblock/header.h"
 #include "iblock/pfield.h"
-#include "reader/characters.h"
 #include "reader/lexical.h"
 #include "reader/line_reader.h"
 #include "reader/names.h"

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "reader/names.h"
+
 inline constexpr int kMaxPfields = 128;
 inline constexpr int kMinPfields = 3;
 
@@ -15,7 +17,7 @@ struct IBlockHeader {
 
 // How one p-field is written, indexed by its number.
 struct PfieldFormat {
-  std::int32_t kind = 14;      // a CommandCode; "re"
+  CommandCode kind = kRE;      // the output kind
   std::int32_t precision = 3;  // decimals, of "re", P2 and P3
   std::int32_t fftIndex = 4;   // of "bn"
   bool given = false;          // the p-field has been specified

@@ -1,3 +1,5 @@
+// Items are read one after another by a function each; the first that is missing gives its own
+// error.
 #include "iblock/header.h"
 
 #include <cstdint>
@@ -7,7 +9,6 @@
 #include "driver/run_state.h"
 #include "reader/characters.h"
 #include "reader/lexical.h"
-#include "reader/line_reader.h"
 #include "reader/numbers.h"
 
 namespace {
@@ -158,24 +159,6 @@ void beginBlock(RunState &run) {
 }
 
 }  // namespace
-
-ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text)) {
-  while (!stops(source.line + source.position)) {
-    CommentKind kind;
-    ErrorCode error = kOk;
-    if (current(source) == '\0') {
-      error = read_line(run, source);
-    } else if (is_comment_start(source, kind)) {
-      error = skipClosedComment(run, source, kind);
-    } else {
-      ++source.position;
-    }
-    if (error != kOk) {
-      return error;
-    }
-  }
-  return kOk;
-}
 
 ErrorCode parseHeader(RunState &run, SourceReader &source) {
   ErrorCode error = readInstrument(run, source);

@@ -12,7 +12,3 @@ struct SourceReader;
 // then been skipped. Errors: 11 to 14, 25, 30, 34, 35, 120, 121, 1000, and those of `read_line`.
 // May warn (19, 20, 21).
 ErrorCode parseHeader(RunState &run, SourceReader &source);
-
-// Skips text and comments up to a place where `stops` says so, reading further lines. kEndOfInput
-// when the input ends first. Error 25 for a comment left open, and those of `read_line`.
-ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text));

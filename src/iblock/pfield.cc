@@ -3,18 +3,15 @@
 #include "iblock/pfield.h"
 
 #include <cstdint>
-#include <cstring>
 
 #include "ddf/call.h"
 #include "ddf/input_modes.h"
 #include "ddf/loops.h"
 #include "ddf/value_steps.h"
 #include "driver/run_state.h"
-#include "iblock/header.h"
 #include "output/output_kinds.h"
 #include "reader/characters.h"
 #include "reader/lexical.h"
-#include "reader/line_reader.h"
 #include "reader/names.h"
 #include "reader/numbers.h"
 

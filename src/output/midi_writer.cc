@@ -76,12 +76,9 @@ std::uint32_t makeNoteOff(EventList &list, std::uint32_t noteOn) {
 // The latest moment at which an event of the list starts.
 float latestStart(const EventList &list) {
   float latest = 0.0F;
-  std::uint32_t event = firstEvent(list);
-  for (std::uint32_t left = list.count; left > 0; --left) {
-    const EventRecord &record = eventAt(list, event);
-    latest = std::isnan(record.start) ? latest : std::max(latest, record.start);
-    event = record.next;
-  }
+  forEachEvent(list, [&latest](const EventRecord &event) {
+    latest = std::isnan(event.start) ? latest : std::max(latest, event.start);
+  });
   return latest;
 }
 
@@ -153,17 +150,14 @@ std::uint32_t listNotes(RunState &run) {
   const EventList &list = run.events;
   std::uint32_t bytes = 0;
   float previous = 0.0F;
-  std::uint32_t event = firstEvent(list);
-  for (std::uint32_t left = list.count; left > 0; --left) {
-    const EventRecord &record = eventAt(list, event);
-    bytes +=
-        kNoteBytes + static_cast<std::uint32_t>(variableLength(toTicks(record.start - previous)));
+  forEachEvent(list, [&](const EventRecord &event) {
+    bytes += kNoteBytes;
+    bytes += static_cast<std::uint32_t>(variableLength(toTicks(event.start - previous)));
     say(run.screen, "\n%f\t%f\t%s\tN: %f\tV: %f\t",
-        {record.start, record.duration, record.flag == 1 ? "ON" : "OFF", keyOf(list, record),
-         velocityOf(list, record)});
-    previous = record.start;
-    event = record.next;
-  }
+        {event.start, event.duration, event.flag == 1 ? "ON" : "OFF", keyOf(list, event),
+         velocityOf(list, event)});
+    previous = event.start;
+  });
   return bytes;
 }
 
@@ -214,13 +208,10 @@ void writeNote(OutputBuffer &output, const EventList &list, const EventRecord &e
 void writeNoteTrack(OutputBuffer &output, const EventList &list, std::uint32_t byteCount) {
   writeChunkHeader(output, byteCount + static_cast<std::uint32_t>(sizeof kEndOfTrack));
   float previous = 0.0F;
-  std::uint32_t event = firstEvent(list);
-  for (std::uint32_t left = list.count; left > 0; --left) {
-    const EventRecord &record = eventAt(list, event);
-    writeNote(output, list, record, previous);
-    previous = record.start;
-    event = record.next;
-  }
+  forEachEvent(list, [&](const EventRecord &event) {
+    writeNote(output, list, event, previous);
+    previous = event.start;
+  });
   append(output, kEndOfTrack, sizeof kEndOfTrack);
 }
 

@@ -14,8 +14,8 @@ constexpr double kPowersOfTen[] = {1.0, 10.0, 100.0, 1000.0, 1e4, 1e5, 1e6, 1e7}
 constexpr std::uint64_t kIntegerPowersOfTen[] = {1,     10,     100,     1000,
                                                  10000, 100000, 1000000, 10000000};
 constexpr int kMostQuickDecimals = 7;
-constexpr double kQuickLimit =
-    9.0e15;  // below 2^53: the scaled value is an exact integer after rounding
+// Below 2^53: the scaled value is an exact integer after rounding.
+constexpr double kQuickLimit = 9.0e15;
 
 // Moves the text at `begin`, `length` characters long, to the right until it ends at column
 // `width`.

@@ -65,21 +65,23 @@ double fftBin(const RunState &run, const PfieldFormat &format, float value) {
   return static_cast<double>(roundHalfUp(frequencyOf(value) / binWidth));
 }
 
+// clang-format off
 constexpr OutputKind kKinds[] = {
-    {kRE, "re", unchanged, 6, kOwnPrecision},  //
-    {kIN, "in", rounded, 5, kWhole},           //
-    {kDB, "db", decibels, 4, 1},               //
-    {kHZ, "hz", frequency, 11, 5},             //
-    {kOP, "op", octavePitchClass, 6, 3},       //
-    {kOD, "od", octaveDecimal, 4, 2},          //
-    {kTR, "tr", transposition, 8, 6},          //
-    {kBN, "bn", fftBin, 5, kWhole},            //
+    {kRE, "re", unchanged, 6, kOwnPrecision},
+    {kIN, "in", rounded, 5, kWhole},
+    {kDB, "db", decibels, 4, 1},
+    {kHZ, "hz", frequency, 11, 5},
+    {kOP, "op", octavePitchClass, 6, 3},
+    {kOD, "od", octaveDecimal, 4, 2},
+    {kTR, "tr", transposition, 8, 6},
+    {kBN, "bn", fftBin, 5, kWhole},
     {kXX, "xx", nullptr, 0, 0},
 };
+// clang-format on
 
 }  // namespace
 
-const OutputKind &outputKind(int code) {
+const OutputKind &outputKind(CommandCode code) {
   for (const OutputKind &kind : kKinds) {
     if (kind.code == code) {
       return kind;

@@ -21,7 +21,7 @@ inline constexpr int kOwnPrecision = -1;
 inline constexpr int kWhole = -2;
 
 // The kind with this code.
-const OutputKind &outputKind(int code);
+const OutputKind &outputKind(CommandCode code);
 
 // Whether `text` begins with the two letters (either case) of an output kind.
 bool isOutputKindName(const char *text);

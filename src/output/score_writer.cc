@@ -1,3 +1,4 @@
+// Finished events come in, lines of a score go out. The columns are worked out once for a block.
 #include "output/score_writer.h"
 
 #include "driver/run_state.h"
@@ -83,15 +84,14 @@ bool ScoreWriter(RunState &run) {
     return false;
   }
   Columns columns = columnsOf(run.block);
-  std::uint32_t event = firstEvent(run.events);
-  for (std::uint32_t left = run.events.count; left > 0; --left) {
-    const EventRecord &record = eventAt(run.events, event);
-    writeEvent(run, columns, record);
-    event = record.next;
+  std::int64_t written = 0;
+  forEachEvent(run.events, [&](const EventRecord &event) {
+    writeEvent(run, columns, event);
+    ++written;
     if (countProgress(run.progress)) {
-      drawProgress(run, "score", run.events.count - left);
+      drawProgress(run, "score", written);
     }
-  }
+  });
   append(run.output, "\n", 1);
   return true;
 }

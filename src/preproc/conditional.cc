@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "driver/run_state.h"
+#include "preproc/constants.h"
 #include "preproc/macro_call.h"
 #include "reader/characters.h"
 #include "reader/lexical.h"
@@ -31,6 +32,9 @@ struct DroppedComments {
   bool block = false;
 };
 
+// The character behind a "#" or behind one of the two words is always stepped over, so the second
+// of two words that touch is not seen.
+//
 // Whether the #endif of the section stands between here and the end of the line; the position is
 // then behind it.
 bool closesInLine(RunState &run, SourceReader &source, DroppedComments &comments, int outerDepth) {

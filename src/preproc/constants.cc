@@ -177,18 +177,19 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
 }
 
 char *FormatConstValue(char *out, double value) {
+  char *limit = out + kConstTextBytes;
   if (value < 0.0) {
     *out++ = '-';
   }
   value = std::fabs(value);
   double whole = std::trunc(value);
-  out = std::to_chars(out, out + kConstTextBytes, whole, std::chars_format::fixed, 0).ptr;
+  out = std::to_chars(out, limit, whole, std::chars_format::fixed, 0).ptr;
   *out++ = '.';
   auto thousandths = static_cast<int>(roundHalfUp((value - whole) * 1000.0));
   for (int place = 100; place > 1 && thousandths < place; place /= 10) {
     *out++ = '0';
   }
-  return std::to_chars(out, out + 4, thousandths).ptr;
+  return std::to_chars(out, limit, thousandths).ptr;
 }
 
 void freeConstants(ConstTable &table) {

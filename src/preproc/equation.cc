@@ -2,9 +2,9 @@
 // precedence.
 #include "preproc/equation.h"
 
-#include <cstdlib>
 #include <cstring>
 
+#include "ddf/draw.h"
 #include "driver/run_state.h"
 #include "global/arithmetic.h"
 #include "preproc/constants.h"
@@ -44,7 +44,7 @@ ErrorCode addOperator(Equation &equation, char sign) {
 
 // "?": a whole number of 32767ths, in single precision.
 double drawRandomTerm(RunState &run, const SourceReader &source) {
-  float value = static_cast<float>(std::rand() % 32767) / 32767.0F;
+  float value = static_cast<float>(drawIndex(32767)) / 32767.0F;
   if (!run.options.silent) {
     say(run.screen, "\n\tLine %d: '?' evaluated at = %f", {source.lineCounter, value});
   }

@@ -1,3 +1,4 @@
+// A line comes in and goes out with one piece of it replaced.
 #include "preproc/line_edit.h"
 
 #include <cstring>

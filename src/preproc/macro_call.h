@@ -2,6 +2,7 @@
 // this for every call in a line, and the value of an `#if` may be one.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "driver/error_code.h"

@@ -1,3 +1,4 @@
+// Text comes in, a name goes out.
 #include "preproc/names.h"
 
 #include <cstring>

@@ -141,6 +141,10 @@ ErrorCode copyFile(Pass &pass, std::FILE *input) {
       level.previous = c;
     }
   }
+  if (std::ferror(input) != 0) {
+    say(pass.screen, "\nERROR: Can't read an input file.\n\n");
+    return kAlreadyReported;
+  }
   return kOk;
 }
 

@@ -123,3 +123,21 @@ ErrorCode openStatement(RunState &run, SourceReader &source) {
   ++source.position;
   return kOk;
 }
+
+ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text)) {
+  while (!stops(source.line + source.position)) {
+    CommentKind kind;
+    ErrorCode error = kOk;
+    if (current(source) == '\0') {
+      error = read_line(run, source);
+    } else if (is_comment_start(source, kind)) {
+      error = skipClosedComment(run, source, kind);
+    } else {
+      ++source.position;
+    }
+    if (error != kOk) {
+      return error;
+    }
+  }
+  return kOk;
+}

@@ -43,3 +43,7 @@ ErrorCode skip_separator(RunState &run, SourceReader &source);
 // The "(" behind the name of a statement, blanks before it. Error 96 when something else stands
 // there.
 ErrorCode openStatement(RunState &run, SourceReader &source);
+
+// Skips text and comments up to a place where `stops` says so, reading further lines. kEndOfInput
+// when the input ends first. Error 25 for a comment left open, and those of `read_line`.
+ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text));

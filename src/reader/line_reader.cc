@@ -124,8 +124,10 @@ ErrorCode scanForMacros(RunState &run, SourceReader &source) {
   return kOk;
 }
 
-// The constant scan, over the whole line. Where it ends decides in which comment state the next
-// line begins.
+// The constant scan, over the whole line. Marks belong to positions, and stay there when a value
+// that is written into the line moves the text behind it: a definition behind a constant on one
+// line may lose or gain a few characters of its protection. Where it ends decides in which comment
+// state the next line begins.
 ErrorCode scanForConstants(RunState &run, SourceReader &source) {
   CommentState comment = source.comment;
   std::int32_t p = 0;

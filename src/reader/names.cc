@@ -18,22 +18,24 @@ struct CascadeRow {
   CommandCode code;
 };
 
+// clang-format off
 constexpr CascadeRow kCascade[] = {
-    {'d', 'v', kDV}, {'d', 'b', kDB},                   //
-    {'e', 'x', kEX},                                    //
-    {'h', 'o', kHO}, {'h', 'z', kHZ},                   //
-    {'i', 'n', kIN},                                    //
-    {'m', 's', kMS}, {'m', 'o', kMO},                   //
-    {'n', 'o', kNO},                                    //
-    {'o', 'p', kOP}, {'o', 'd', kOD},                   //
-    {'p', 'f', kPF},                                    //
-    {'s', '2', kS2}, {'s', 'r', kSR}, {'s', 'e', kSE},  //
-    {'r', 'a', kRA}, {'r', 'd', kRD}, {'r', 'e', kRE},  //
-    {'r', 'h', kRH}, {'r', 's', kRS}, {'r', 'w', kRW},  //
-    {'t', 'r', kTR}, {'t', 'e', kTE},                   //
-    {'x', 'x', kXX},                                    //
+    {'d', 'v', kDV}, {'d', 'b', kDB},
+    {'e', 'x', kEX},
+    {'h', 'o', kHO}, {'h', 'z', kHZ},
+    {'i', 'n', kIN},
+    {'m', 's', kMS}, {'m', 'o', kMO},
+    {'n', 'o', kNO},
+    {'o', 'p', kOP}, {'o', 'd', kOD},
+    {'p', 'f', kPF},
+    {'s', '2', kS2}, {'s', 'r', kSR}, {'s', 'e', kSE},
+    {'r', 'a', kRA}, {'r', 'd', kRD}, {'r', 'e', kRE},
+    {'r', 'h', kRH}, {'r', 's', kRS}, {'r', 'w', kRW},
+    {'t', 'r', kTR}, {'t', 'e', kTE},
+    {'x', 'x', kXX},
     {'b', 'n', kBN},
 };
+// clang-format on
 
 struct BodyName {
   char first;

@@ -6,14 +6,9 @@
 #include <limits>
 
 #include "reader/characters.h"
+#include "reader/lexical.h"
 
 namespace {
-
-void skipSpace(const char *text, std::int32_t &position) {
-  while (isSpace(text[position])) {
-    ++position;
-  }
-}
 
 // Steps over a sign and tells whether it was "-".
 bool takeSign(const char *text, std::int32_t &position) {
@@ -43,7 +38,7 @@ bool takeDigits(Digits &digits, const char *text, std::int32_t &position) {
 
 template <typename Real>
 bool readReal(Real &out, const char *text, std::int32_t &position) {
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   bool negative = takeSign(text, position);
   if (!isDigit(text[position]) && text[position] != '.') {
     return false;
@@ -71,7 +66,7 @@ bool readReal(Real &out, const char *text, std::int32_t &position) {
 }  // namespace
 
 bool read_short(int &out, const char *text, std::int32_t &position) {
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   bool negative = takeSign(text, position);
   Digits digits;
   if (!takeDigits(digits, text, position)) {
@@ -87,7 +82,7 @@ bool read_short(int &out, const char *text, std::int32_t &position) {
 }
 
 bool read_long(std::int64_t &out, const char *text, std::int32_t &position) {
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   bool negative = takeSign(text, position);
   Digits digits;
   if (!takeDigits(digits, text, position)) {
@@ -98,12 +93,12 @@ bool read_long(std::int64_t &out, const char *text, std::int32_t &position) {
     return false;
   }
   out = static_cast<std::int64_t>(negative ? 0 - digits.value : digits.value);
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   return true;
 }
 
 bool read_ushort(unsigned &out, const char *text, std::int32_t &position) {
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   if (text[position] == '+') {
     ++position;
   }
@@ -120,7 +115,7 @@ bool read_ushort(unsigned &out, const char *text, std::int32_t &position) {
 }
 
 bool read_ulong(std::uint64_t &out, const char *text, std::int32_t &position) {
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   if (text[position] == '+') {
     ++position;
   }
@@ -129,7 +124,7 @@ bool read_ulong(std::uint64_t &out, const char *text, std::int32_t &position) {
     return false;
   }
   out = digits.value;
-  skipSpace(text, position);
+  skipBlanksInLine(text, position);
   return true;
 }
 

@@ -4,8 +4,6 @@
 // refused, while a comment behind a statement is fine.
 #include "reader/scanner.h"
 
-#include <cstring>
-
 #include "driver/run_state.h"
 #include "global/statements.h"
 #include "global/tempo_map.h"

@@ -31,8 +31,8 @@ struct SourceReader {
   // Of the line being read.
   int expansions = 0;    // macro calls expanded in it
   int markedLength = 0;  // no mark is set from here on
-  bool marked[kLineBytes] =
-      {};  // the positions that belong to a macro definition; constants there stay as they are
+  // The positions that belong to a macro definition; constants there stay as they are.
+  bool marked[kLineBytes] = {};
 };
 
 // The character at the position; the NUL at the end of the line.

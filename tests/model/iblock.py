@@ -1,7 +1,7 @@
 """One instrument block: header, body, and what is done with its events.
 
-A block is `i` number `=` p-field count, start, length, then p-field
-specifications between braces.  A negative instrument number skips the block.
+A block is `i` number `=` p-field count, start, length, then the p-field
+text between braces.  A negative instrument number skips the block.
 """
 
 import globals_area

@@ -57,7 +57,7 @@ def field_here(t):
 
 
 def parse(run):
-    """The specification behind "p" and its number."""
+    """The text behind "p" and its number."""
     field, block = run.field, run.block
     before = block.target
     output_specifier(run)

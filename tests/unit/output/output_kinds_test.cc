@@ -26,15 +26,15 @@ TEST(OutputKinds, WidthsAndDecimals) {
       {27, "bn", 5, kWhole},
   };
   for (const auto &row : rows) {
-    const OutputKind &kind = outputKind(row.code);
+    const OutputKind &kind = outputKind(static_cast<CommandCode>(row.code));
     EXPECT_EQ(kind.code, row.code);
     EXPECT_STREQ(kind.name, row.name);
     EXPECT_EQ(kind.width, row.width) << row.name;
     EXPECT_EQ(kind.decimals, row.decimals) << row.name;
     EXPECT_NE(kind.convert, nullptr) << row.name;
   }
-  EXPECT_EQ(outputKind(23).code, kXX);
-  EXPECT_EQ(outputKind(23).convert, nullptr);
+  EXPECT_EQ(outputKind(kXX).code, kXX);
+  EXPECT_EQ(outputKind(kXX).convert, nullptr);
 }
 
 double converted(CommandCode code, float value) {
