@@ -278,11 +278,8 @@ def compare_case(case, names, before, outcome):
 
     stdout = expected_text(case, "expected.stdout", names) or b""
     differences += compare("expected.stdout", stdout, outcome.stdout)
-    stderr = expected_text(case, "expected.stderr", names)
-    if stderr is None and expected_status != 0:
-        stderr = b""  # a failing run that says something needs the words beside it
-    if stderr is not None:
-        differences += compare("expected.stderr", stderr, outcome.stderr)
+    stderr = expected_text(case, "expected.stderr", names) or b""
+    differences += compare("expected.stderr", stderr, outcome.stderr)
     return differences + compare_stray_files(names, before, outcome)
 
 
