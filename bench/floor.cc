@@ -27,7 +27,7 @@ float drawUniform(float low, float high, int deviations) {
 }
 
 float drawWalk(float &position) {
-  constexpr float kWindow = 0.1F;
+  constexpr float kWindow = 0.25F;
   drawUnit();
   float value = position;
   float low = position - kWindow / 2.0F;

@@ -11,11 +11,13 @@
 namespace {
 
 constexpr double kPowersOfTen[] = {1.0, 10.0, 100.0, 1000.0, 1e4, 1e5, 1e6, 1e7};
-constexpr std::uint64_t kIntegerPowersOfTen[] = {1,     10,     100,     1000,
-                                                 10000, 100000, 1000000, 10000000};
 constexpr int kMostQuickDecimals = 7;
-// Below 2^53: the scaled value is an exact integer after rounding.
-constexpr double kQuickLimit = 9.0e15;
+
+// Doubles from here on are whole numbers. Adding it to a smaller one and taking it away again
+// rounds that one to an integer, ties to even.
+constexpr double kWholeFrom = 4503599627370496.0;
+
+constexpr int kQuickRoom = 24;  // 16 digits, the point and the sign
 
 // Moves the text at `begin`, `length` characters long, to the right until it ends at column
 // `width`.
@@ -37,20 +39,30 @@ char *writeWord(char *out, bool negative, const char *word, int width) {
   return alignRight(out, static_cast<int>(end + 3 - out), width);
 }
 
-// The digits of `scaled` with the point before the last `decimals` of them.
-char *writePointed(char *out, std::uint64_t scaled, int decimals) {
-  std::uint64_t whole = scaled / kIntegerPowersOfTen[decimals];
-  std::uint64_t fraction = scaled % kIntegerPowersOfTen[decimals];
-  char *end = std::to_chars(out, out + 20, whole).ptr;
-  if (decimals > 0) {
-    *end = '.';
-    for (int i = decimals; i > 0; --i) {
-      end[i] = static_cast<char>('0' + fraction % 10);
-      fraction /= 10;
-    }
-    end += decimals + 1;
+// The digits of `scaled` with the point before the last `decimals` of them, made from the right.
+char *writePointed(char *out, bool negative, std::uint64_t scaled, int width, int decimals) {
+  char text[kQuickRoom];
+  char *const end = text + kQuickRoom;
+  char *begin = end;
+  for (int i = 0; i < decimals; ++i) {
+    *--begin = static_cast<char>('0' + scaled % 10);
+    scaled /= 10;
   }
-  return end;
+  if (decimals > 0) {
+    *--begin = '.';
+  }
+  do {
+    *--begin = static_cast<char>('0' + scaled % 10);
+    scaled /= 10;
+  } while (scaled > 0);
+  if (negative) {
+    *--begin = '-';
+  }
+  for (std::ptrdiff_t blanks = width - (end - begin); blanks > 0; --blanks) {
+    *out++ = ' ';
+  }
+  std::memcpy(out, begin, static_cast<std::size_t>(end - begin));
+  return out + (end - begin);
 }
 
 }  // namespace
@@ -61,18 +73,16 @@ char *writeFixed(char *out, double value, int width, int decimals) {
     return writeWord(out, negative, std::isnan(value) ? "nan" : "inf", width);
   }
   double magnitude = std::fabs(value);
-  char *end = out;
   bool isSingle = static_cast<double>(static_cast<float>(magnitude)) == magnitude;
-  if (isSingle && decimals <= kMostQuickDecimals &&
-      magnitude * kPowersOfTen[decimals] < kQuickLimit) {
-    if (negative) {
-      *end++ = '-';
+  if (isSingle && decimals <= kMostQuickDecimals) {
+    double scaled = magnitude * kPowersOfTen[decimals];
+    if (scaled < kWholeFrom) {
+      double rounded = (scaled + kWholeFrom) - kWholeFrom;
+      return writePointed(out, negative, static_cast<std::uint64_t>(rounded), width, decimals);
     }
-    double rounded = std::nearbyint(magnitude * kPowersOfTen[decimals]);
-    end = writePointed(end, static_cast<std::uint64_t>(rounded), decimals);
-  } else {
-    end = std::to_chars(out, out + kLongestNumber, value, std::chars_format::fixed, decimals).ptr;
   }
+  char *end =
+      std::to_chars(out, out + kLongestNumber, value, std::chars_format::fixed, decimals).ptr;
   return alignRight(out, static_cast<int>(end - out), width);
 }
 
