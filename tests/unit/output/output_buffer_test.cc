@@ -80,9 +80,7 @@ TEST(OutputBuffer, ClosingTwiceOrWithoutAFileIsFine) {
 TEST(OutputBuffer, AFailedWriteIsRemembered) {
   for (std::size_t pieces : {1U, 100U, 5000U}) {
     std::FILE *full = std::fopen("/dev/full", "w");
-    if (full == nullptr) {
-      GTEST_SKIP() << "no /dev/full here";
-    }
+    ASSERT_NE(full, nullptr);
     auto buffer = std::make_unique<OutputBuffer>();
     buffer->file = full;
     for (std::size_t i = 0; i < pieces; ++i) {
@@ -94,9 +92,7 @@ TEST(OutputBuffer, AFailedWriteIsRemembered) {
 
 TEST(OutputBuffer, AnUntouchedFileThatTakesNothingIsComplete) {
   std::FILE *full = std::fopen("/dev/full", "w");
-  if (full == nullptr) {
-    GTEST_SKIP() << "no /dev/full here";
-  }
+  ASSERT_NE(full, nullptr);
   auto buffer = std::make_unique<OutputBuffer>();
   buffer->file = full;
   EXPECT_TRUE(closeOutput(*buffer));
