@@ -22,8 +22,9 @@ struct Screen {
   // Where the gathered bytes belong: stderr or stdout; null when there are none.
   std::FILE *stream = nullptr;
   std::size_t used = 0;
-  bool isTerminal = false;  // standard error is a terminal: every message is written at once
-  bool lineShown = false;   // a passing line stands on the terminal
+  std::int64_t printed = 0;  // bytes of all messages of the run so far
+  bool isTerminal = false;   // standard error is a terminal: every message is written at once
+  bool lineShown = false;    // a passing line stands on the terminal
   char bytes[1 << 16];
 };
 

@@ -170,7 +170,7 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
   char *textEnd = FormatConstValue(text, reference.value);
   source.position = start;
   std::string_view inserted(text, static_cast<std::size_t>(textEnd - text));
-  if (!countExpansion(source, inserted.size())) {
+  if (!countExpansion(run.screen, source, inserted.size())) {
     return kOutOfMemory;
   }
   return replaceInLine(source.line, start, end, inserted) ? kOk : kOutOfMemory;

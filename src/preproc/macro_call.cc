@@ -122,10 +122,11 @@ ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &ar
 
 }  // namespace
 
-bool countExpansion(SourceReader &source, std::size_t inserted) {
+bool countExpansion(const Screen &screen, SourceReader &source, std::size_t inserted) {
   ++source.runExpansions;
   source.runInserted += static_cast<std::int64_t>(inserted);
-  return source.runExpansions <= kMaxExpansionsInRun && source.runInserted <= kMaxInsertedInRun;
+  return source.runExpansions <= kMaxExpansionsInRun && source.runInserted <= kMaxInsertedInRun &&
+         screen.printed <= kMaxMessagesInRun;
 }
 
 ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
@@ -160,7 +161,7 @@ ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentLis
     say(run.screen, "\n\tExpanding macro \"%s\" into line %d...", {shownName, source.lineCounter});
   }
   cursor = start;
-  if (!countExpansion(source, callee.body.size())) {
+  if (!countExpansion(run.screen, source, callee.body.size())) {
     return kOutOfMemory;
   }
   return replaceInLine(text, start, callEnd(text, start), callee.body) ? kOk : kOutOfMemory;
