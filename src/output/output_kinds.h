@@ -20,7 +20,7 @@ struct OutputKind {
 inline constexpr int kOwnPrecision = -1;
 inline constexpr int kWhole = -2;
 
-// The kind with this code.
+// The kind with this code; real numbers for one that has none.
 const OutputKind &outputKind(CommandCode code);
 
 // Whether `text` begins with the two letters (either case) of an output kind.

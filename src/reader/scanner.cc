@@ -30,10 +30,9 @@ bool isStatement(const char *text) {
 }
 
 ErrorCode runStatement(RunState &run, SourceReader &source) {
-  if (!lookupDdfName(source.line, source.position, run.name)) {
-    return kInvalidGlobalCommand;
-  }
-  return RunGlobalStatement(run, source, run.name.code);
+  return lookupDdfName(source.line, source.position, run.name)
+             ? RunGlobalStatement(run, source, run.name.code)
+             : kInvalidGlobalCommand;
 }
 
 // Runs the statements of the line one after another; the first thing that is none ends them.

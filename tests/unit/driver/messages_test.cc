@@ -96,6 +96,7 @@ TEST(Messages, TheLargestRealHasAllItsDigits) {
 
 TEST(Messages, WidthsAndUnknownConversionsArePrintedAndTakeNoArgument) {
   EXPECT_EQ(said("100%%"), "100%");
+  EXPECT_EQ(said("100%"), "100");
   EXPECT_EQ(said("%5d|%d", {7}), "5d|7");
   EXPECT_EQ(said("%.2f|%f", {7.0}), ".2f|   7.00");
   EXPECT_EQ(said("%ld|%d", {7}), "ld|7");

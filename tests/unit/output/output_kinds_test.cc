@@ -35,6 +35,7 @@ TEST(OutputKinds, WidthsAndDecimals) {
   }
   EXPECT_EQ(outputKind(kXX).code, kXX);
   EXPECT_EQ(outputKind(kXX).convert, nullptr);
+  EXPECT_EQ(outputKind(kRA).code, kRE);  // a name that is no output kind
 }
 
 double converted(CommandCode code, float value) {
