@@ -1,6 +1,7 @@
 // Opening files without hurting any.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 
 // Gives every standard stream that the caller has closed an empty file, so that no file opened
@@ -10,14 +11,28 @@ void holdStandardStreams();
 // Opens `name` for reading; null when it cannot be opened or is a directory.
 std::FILE *openForReading(const char *name);
 
-// Opens an included file. Besides the above it is null for anything but a plain file: text from a
-// stranger must not make the program wait for a pipe or read a device without end.
-std::FILE *openIncluded(const char *name);
+// Opens an included file, which is null for anything but a plain file: text from a stranger must
+// not make the program wait for a pipe or read a device without end. `size` is its size in bytes;
+// whoever reads no further is safe from files that grow as they are read.
+std::FILE *openIncluded(const char *name, std::int64_t &size);
 
-// Opens `name` for writing (mode "w" or "wb"); null when it cannot be opened, or when it is the
-// very file that `input` reads (by whatever name or link): writing would destroy the composer's
-// text.
-std::FILE *openForWriting(const char *name, const char *mode, std::FILE *input);
+// Opens `name` for writing; null when it cannot be opened. What stands in the file stays there
+// until `emptyFile`.
+std::FILE *openForWriting(const char *name);
+
+// Cuts a file opened for writing down to nothing; false when the system refuses. What is not a
+// plain file has nothing to cut, and null is no file.
+bool emptyFile(std::FILE *file);
+
+// From here on nothing that is written to the file reaches it, not even what is still gathered.
+void abandonFile(std::FILE *file);
+
+// Whether the file called `name` is the one that `file` has opened, by whatever name or link.
+bool isSameFile(const char *name, std::FILE *file);
+
+// Whether both are open on the same plain file. Two streams may share a terminal or the null
+// device; either may be null.
+bool isSamePlainFile(std::FILE *a, std::FILE *b);
 
 // A temporary file for writing and reading that has no name: nobody else can open it, and it is
 // gone when the program is, however that ends. Null when it cannot be made.

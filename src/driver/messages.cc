@@ -46,8 +46,8 @@ void gather(Screen &screen, std::FILE *stream, const char *bytes, std::size_t le
 
 void put(Screen &screen, const char *bytes, std::size_t length) {
   gather(screen, stderr, bytes, length);
-  if (screen.log != nullptr) {
-    std::fwrite(bytes, 1, length, screen.log);
+  if (screen.log.file != nullptr) {
+    append(screen.log, bytes, length);
   }
 }
 

@@ -13,12 +13,19 @@
 #include <initializer_list>
 
 #include "driver/error_code.h"
+#include "output/output_buffer.h"
 
 struct RunState;
 struct SourceReader;
 
+// A run says no more than this many bytes, give or take what it says about one line: a short text
+// can ask for a warning, with its line of 4,000 characters, in every few of its characters.
+inline constexpr std::int64_t kMaxMessagesInRun = 3221225472;
+
 struct Screen {
-  std::FILE *log = nullptr;  // null without -l
+  // Its stream is null without -l. All that is said before the includes have been read has room in
+  // it, so that until then nothing is written into a file that turns out to be one of them.
+  OutputBuffer log;
   // Where the gathered bytes belong: stderr or stdout; null when there are none.
   std::FILE *stream = nullptr;
   std::size_t used = 0;

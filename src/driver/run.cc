@@ -35,23 +35,37 @@ bool cannotOpen(const char *name) {
   return false;
 }
 
-bool openWritten(const char *name, const char *mode, std::FILE *input, std::FILE *&file) {
-  file = openForWriting(name, mode, input);
+// Opens a file to be written, which must not be one that the run has opened already.
+bool openWritten(const RunState &run, const Files &files, const char *name, std::FILE *&file) {
+  std::FILE *opened = openForWriting(name);
+  for (std::FILE *other : {files.input, run.output.file, run.expansion.file}) {
+    if (isSamePlainFile(opened, other)) {
+      std::fclose(opened);
+      opened = nullptr;
+    }
+  }
+  file = opened;
   return file != nullptr || cannotOpen(name);
 }
 
-// Opens all files in their fixed order; the first that cannot be opened ends the run at once.
+// Opens all files in their fixed order; the first that cannot be opened ends the run at once. A
+// name or link that leads to the input is refused before anything is opened for writing.
 bool openFiles(RunState &run, Files &files) {
   const Options &options = run.options;
   files.input = openForReading(options.inputName);
   if (files.input == nullptr) {
     return cannotOpen(options.inputName);
   }
-  if (!openWritten(options.outputName, options.midi ? "wb" : "w", files.input, run.output.file)) {
+  for (const char *name : {options.outputName, options.expansionName, options.logName}) {
+    if (name != nullptr && isSameFile(name, files.input)) {
+      return cannotOpen(name);
+    }
+  }
+  if (!openWritten(run, files, options.outputName, run.output.file)) {
     return false;
   }
   if (options.expansionName != nullptr &&
-      !openWritten(options.expansionName, "w", files.input, run.expansion.file)) {
+      !openWritten(run, files, options.expansionName, run.expansion.file)) {
     return false;
   }
   files.temporary = openTemporary();
@@ -60,7 +74,12 @@ bool openFiles(RunState &run, Files &files) {
     return false;
   }
   return options.logName == nullptr ||
-         openWritten(options.logName, "w", files.input, run.screen.log);
+         openWritten(run, files, options.logName, run.screen.log.file);
+}
+
+bool cannotWrite(const char *name) {
+  std::fprintf(stderr, "\nERROR: Can't write \"%s\".\n\n", name);
+  return false;
 }
 
 void sayBanner(RunState &run) {
@@ -79,13 +98,28 @@ void sayBanner(RunState &run) {
   }
 }
 
+// What stood in the files that are written goes once the whole input has been read, not before: an
+// include may turn out to be one of them. After a failure the old score stays.
+bool emptyWrittenFiles(RunState &run, bool failed) {
+  if (!emptyFile(run.screen.log.file)) {
+    return cannotWrite(run.options.logName);
+  }
+  if (failed) {
+    return true;
+  }
+  if (!emptyFile(run.output.file)) {
+    return cannotWrite(run.options.outputName);
+  }
+  return emptyFile(run.expansion.file) || cannotWrite(run.options.expansionName);
+}
+
 // Copies the input with its includes into the temporary file and goes on reading from there.
 ErrorCode readIncludes(RunState &run, SourceReader &source, Files &files) {
   int counter = 0;
-  ErrorCode error = include_pass(run.screen, files.input, files.temporary, counter);
+  ErrorCode error = include_pass(run, files.input, files.temporary, counter);
   std::fclose(files.input);
   files.input = nullptr;
-  if (error > 0) {
+  if (!emptyWrittenFiles(run, error > 0) || error > 0) {
     return kAlreadyReported;
   }
   bool complete = std::fflush(files.temporary) == 0 && std::ferror(files.temporary) == 0;
@@ -139,24 +173,7 @@ ErrorCode runBlocks(RunState &run, SourceReader &source, bool &toTheEnd) {
 }
 
 bool closeWritten(const char *name, OutputBuffer &buffer) {
-  if (closeOutput(buffer)) {
-    return true;
-  }
-  std::fprintf(stderr, "\nERROR: Can't write \"%s\".\n\n", name);
-  return false;
-}
-
-bool closeLog(const char *name, std::FILE *&log) {
-  if (log == nullptr) {
-    return true;
-  }
-  bool failed = std::ferror(log) != 0;
-  bool closed = std::fclose(log) == 0;
-  log = nullptr;
-  if (failed || !closed) {
-    std::fprintf(stderr, "\nERROR: Can't write \"%s\".\n\n", name);
-  }
-  return closed && !failed;
+  return closeOutput(buffer) || cannotWrite(name);
 }
 
 // Frees and closes everything. False when something written has not reached its file.
@@ -170,7 +187,7 @@ bool cleanUp(RunState &run, Files &files) {
   std::fclose(files.temporary);
   bool complete = closeWritten(run.options.outputName, run.output);
   complete = closeWritten(run.options.expansionName, run.expansion) && complete;
-  return closeLog(run.options.logName, run.screen.log) && complete;
+  return closeWritten(run.options.logName, run.screen.log) && complete;
 }
 
 ErrorCode runPiece(RunState &run, SourceReader &source, Files &files) {

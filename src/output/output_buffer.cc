@@ -3,20 +3,9 @@
 
 #include <cstring>
 
-namespace {
-
-void flush(OutputBuffer &buffer) {
-  if (std::fwrite(buffer.bytes, 1, buffer.used, buffer.file) != buffer.used) {
-    buffer.failed = true;
-  }
-  buffer.used = 0;
-}
-
-}  // namespace
-
 char *room(OutputBuffer &buffer, std::size_t length) {
   if (sizeof buffer.bytes - buffer.used < length) {
-    flush(buffer);
+    flushOutput(buffer);
   }
   return buffer.bytes + buffer.used;
 }
@@ -31,11 +20,18 @@ void append(OutputBuffer &buffer, const char *bytes, std::size_t length) {
   taken(buffer, place + length);
 }
 
+void flushOutput(OutputBuffer &buffer) {
+  if (std::fwrite(buffer.bytes, 1, buffer.used, buffer.file) != buffer.used) {
+    buffer.failed = true;
+  }
+  buffer.used = 0;
+}
+
 bool closeOutput(OutputBuffer &buffer) {
   if (buffer.file == nullptr) {
     return true;
   }
-  flush(buffer);
+  flushOutput(buffer);
   bool closed = std::fclose(buffer.file) == 0;
   buffer.file = nullptr;
   return closed && !buffer.failed;

@@ -20,6 +20,9 @@ void taken(OutputBuffer &buffer, const char *end);
 // Appends `length` bytes (at most kLineBytes of a line; no more than the buffer holds).
 void append(OutputBuffer &buffer, const char *bytes, std::size_t length);
 
+// Writes out what is gathered.
+void flushOutput(OutputBuffer &buffer);
+
 // Writes out what is gathered and closes the file, if it is open. True when every byte has reached
 // the file.
 bool closeOutput(OutputBuffer &buffer);

@@ -66,7 +66,7 @@ ErrorCode dropSection(RunState &run, SourceReader &source, int outerDepth) {
   while (!closesInLine(run, source, comments, outerDepth)) {
     ErrorCode error = std::feof(source.input) != 0 ? kEndOfInput : read_line(run, source);
     if (error != kOk) {
-      return kEndifMissingAtEnd;
+      return error == kEndOfInput ? kEndifMissingAtEnd : error;
     }
     comments.line = false;
   }

@@ -170,13 +170,15 @@ ErrorCode ExpandConstRef(RunState &run, SourceReader &source) {
   char *textEnd = FormatConstValue(text, reference.value);
   source.position = start;
   std::string_view inserted(text, static_cast<std::size_t>(textEnd - text));
-  if (!countExpansion(run.screen, source, inserted.size())) {
+  std::size_t characters = static_cast<std::size_t>(end - start) + inserted.size();
+  if (!countExpansion(source, characters)) {
     return kOutOfMemory;
   }
   return replaceInLine(source.line, start, end, inserted) ? kOk : kOutOfMemory;
 }
 
 char *FormatConstValue(char *out, double value) {
+  // cppcheck-suppress ctuPointerArith ; one past the end is where it should be
   char *limit = out + kConstTextBytes;
   if (value < 0.0) {
     *out++ = '-';

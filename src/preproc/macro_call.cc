@@ -15,7 +15,7 @@
 
 struct ArgumentList {
   int count = 0;
-  std::string_view names[kMaxMacroParameters];
+  const std::string_view *names = nullptr;  // the macro's parameters
   std::string_view texts[kMaxMacroParameters];
 };
 
@@ -72,6 +72,7 @@ std::int32_t callEnd(const char *text, std::int32_t p) {
 // else, blanks, commas and parentheses included, belongs to the argument.
 ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &cursor,
                         ArgumentList &arguments) {
+  arguments.names = macro.params;
   skipBlanksInLine(text, cursor);
   if (text[cursor] != '(') {
     return kCallNeedsParenthesis;
@@ -90,12 +91,10 @@ ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &curs
     }
     std::string_view argument(text + begin, static_cast<std::size_t>(cursor - begin));
     ++cursor;
-    if (findArgument(arguments, macro.params[i]) >= 0) {
+    if (i == macro.repeatedParam) {
       return kMacroExists;
     }
-    arguments.names[arguments.count] = macro.params[i];
-    arguments.texts[arguments.count] = argument;
-    ++arguments.count;
+    arguments.texts[arguments.count++] = argument;
   }
   return kOk;
 }
@@ -122,11 +121,14 @@ ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &ar
 
 }  // namespace
 
-bool countExpansion(const Screen &screen, SourceReader &source, std::size_t inserted) {
+bool mayExpand(const SourceReader &source) {
+  return source.runExpansions <= kMaxExpansionsInRun && source.runExpanded <= kMaxExpandedInRun;
+}
+
+bool countExpansion(SourceReader &source, std::size_t characters) {
   ++source.runExpansions;
-  source.runInserted += static_cast<std::int64_t>(inserted);
-  return source.runExpansions <= kMaxExpansionsInRun && source.runInserted <= kMaxInsertedInRun &&
-         screen.printed <= kMaxMessagesInRun;
+  source.runExpanded += static_cast<std::int64_t>(characters);
+  return mayExpand(source);
 }
 
 ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
@@ -142,13 +144,15 @@ ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentLis
     return unknownName(run, source, "macro", name);
   }
   char body[kLineBytes];
+  std::size_t characters = 0;
   if (callee.macro != nullptr && callee.macro->argc > 0) {
     ArgumentList arguments;
     ErrorCode error = readArguments(*callee.macro, text, cursor, arguments);
     if (error > 0) {
       return error;
     }
-    body[callee.body.copy(body, kMaxLineLength)] = '\0';
+    characters = callee.body.copy(body, kMaxLineLength);
+    body[characters] = '\0';
     error = expandBody(run, source, arguments, body, depth);
     if (error > 0) {
       return error;
@@ -161,8 +165,10 @@ ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentLis
     say(run.screen, "\n\tExpanding macro \"%s\" into line %d...", {shownName, source.lineCounter});
   }
   cursor = start;
-  if (!countExpansion(run.screen, source, callee.body.size())) {
+  std::int32_t end = callEnd(text, start);
+  characters += static_cast<std::size_t>(end - start) + callee.body.size();
+  if (!countExpansion(source, characters)) {
     return kOutOfMemory;
   }
-  return replaceInLine(text, start, callEnd(text, start), callee.body) ? kOk : kOutOfMemory;
+  return replaceInLine(text, start, end, callee.body) ? kOk : kOutOfMemory;
 }

@@ -8,23 +8,23 @@
 #include "driver/error_code.h"
 
 struct RunState;
-struct Screen;
 struct SourceReader;
 struct ArgumentList;
 
 inline constexpr int kMaxExpansionsInLine = 4096;
 inline constexpr int kMaxCallDepth = 64;
 
-// Of a run: macro calls and constant references, the characters that they insert, and the bytes of
-// messages behind which nothing is expanded any more.
+// Of a run: macro calls and constant references, and the characters of these and of what takes
+// their place.
 inline constexpr std::int64_t kMaxExpansionsInRun = 16777216;
-inline constexpr std::int64_t kMaxInsertedInRun = 67108864;
-inline constexpr std::int64_t kMaxMessagesInRun = 1073741824;
+inline constexpr std::int64_t kMaxExpandedInRun = 67108864;
 
-// Counts one expansion that inserts so many characters. False when the run has had too much: a
-// short text could otherwise grow into an endless one, and each of its statements may warn with a
-// line of 4,000 characters. A text without expansions may say as much as it likes.
-bool countExpansion(const Screen &screen, SourceReader &source, std::size_t inserted);
+// Whether the run has had no more expansions than it may: a short text could otherwise grow into an
+// endless one.
+bool mayExpand(const SourceReader &source);
+
+// Counts one expansion that goes through so many characters. False when the run has had too much.
+bool countExpansion(SourceReader &source, std::size_t characters);
 
 // Replaces the call in `text` (a line buffer) whose "$" stands before the cursor by its expansion,
 // and leaves the cursor on the first inserted character. `scope` holds the arguments of the

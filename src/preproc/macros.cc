@@ -5,6 +5,7 @@
 // blank behind six characters count, of "#undef" one letter in its place is enough.
 #include "preproc/macros.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -178,6 +179,16 @@ ErrorCode gatherBody(RunState &run, SourceReader &source, Definition &definition
   return kOk;
 }
 
+// The first parameter with the name of an earlier one; behind the last when all differ.
+int repeatedParameter(const std::string_view *params, int argc) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::find(params, params + i, params[i]) != params + i) {
+      return i;
+    }
+  }
+  return argc;
+}
+
 // One block of memory for the record, its parameter names and its texts.
 Macro *makeMacro(const Definition &definition) {
   std::size_t paramBytes = sizeof(std::string_view) * static_cast<std::size_t>(definition.argc);
@@ -197,6 +208,7 @@ Macro *makeMacro(const Definition &definition) {
   }
   macro->params = params;
   macro->argc = definition.argc;
+  macro->repeatedParam = repeatedParameter(params, definition.argc);
   macro->body = {text + begin, definition.used - begin};
   return macro;
 }

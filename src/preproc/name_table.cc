@@ -1,20 +1,46 @@
 // A hash table with chains, doubled when there are as many names as buckets, so that ten thousand
-// macros cost a piece no more for each call than ten.
+// macros cost a piece no more for each call than ten. The hash has a key that nobody knows
+// beforehand: no text can be made whose names all end in one chain.
 #include "preproc/name_table.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <ctime>
 
 namespace {
 
-std::uint32_t hashOf(std::string_view name) {
-  std::uint32_t hash = 2166136261U;
+constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61) - 1;
+
+// a times b modulo the prime; both are below it.
+std::uint64_t multiply(std::uint64_t a, std::uint64_t b) {
+  unsigned __int128 product = static_cast<unsigned __int128>(a) * b;
+  std::uint64_t sum =
+      static_cast<std::uint64_t>(product >> 61) + (static_cast<std::uint64_t>(product) & kPrime);
+  return sum >= kPrime ? sum - kPrime : sum;
+}
+
+// The characters are the coefficients of a polynomial, and the hash is its value at the key: two
+// names agree at no more keys than they have characters.
+std::uint64_t hashOf(const NameTable &table, std::string_view name) {
+  std::uint64_t hash = 1;
   for (char c : name) {
-    hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    hash = multiply(hash, table.key) + static_cast<unsigned char>(c);
+    hash = hash >= kPrime ? hash - kPrime : hash;
   }
   return hash;
 }
 
-NamedRecord **bucketOf(const NameTable &table, std::uint32_t hash) {
+// Without the system's randomness the names are found all the same.
+std::uint64_t drawKey() {
+  std::uint64_t key = 0;
+  if (getentropy(&key, sizeof key) != 0) {
+    key = static_cast<std::uint64_t>(std::time(nullptr));
+  }
+  return key % kPrime;
+}
+
+NamedRecord **bucketOf(const NameTable &table, std::uint64_t hash) {
   return table.buckets + (hash & (table.bucketCount - 1));
 }
 
@@ -28,6 +54,7 @@ bool grow(NameTable &table) {
   NameTable larger;
   larger.bucketCount = table.bucketCount == 0 ? 64 : table.bucketCount * 2;
   larger.count = table.count;
+  larger.key = table.bucketCount == 0 ? drawKey() : table.key;
   larger.buckets =
       static_cast<NamedRecord **>(std::calloc(larger.bucketCount, sizeof(NamedRecord *)));
   if (larger.buckets == nullptr) {
@@ -51,7 +78,7 @@ NamedRecord *findName(const NameTable &table, std::string_view name) {
   if (table.count == 0) {
     return nullptr;
   }
-  std::uint32_t hash = hashOf(name);
+  std::uint64_t hash = hashOf(table, name);
   NamedRecord *record = *bucketOf(table, hash);
   while (record != nullptr && !(record->hash == hash && record->name == name)) {
     record = record->next;
@@ -63,7 +90,7 @@ bool addName(NameTable &table, NamedRecord *record) {
   if (table.count == table.bucketCount && !grow(table)) {
     return false;
   }
-  record->hash = hashOf(record->name);
+  record->hash = hashOf(table, record->name);
   link(table, record);
   ++table.count;
   return true;

@@ -8,10 +8,11 @@
 struct NamedRecord {
   NamedRecord *next = nullptr;
   std::string_view name;
-  std::uint32_t hash = 0;
+  std::uint64_t hash = 0;
 };
 
 struct NameTable {
+  std::uint64_t key = 0;  // of the hash; drawn anew for every table
   NamedRecord **buckets = nullptr;
   std::uint32_t bucketCount = 0;
   std::uint32_t count = 0;

@@ -3,10 +3,11 @@
 // outside both, which may begin `#include |name|`.
 #include "reader/include_pass.h"
 
-#include <cstring>
+#include <cstdint>
+#include <limits>
 
 #include "driver/files.h"
-#include "driver/messages.h"
+#include "driver/run_state.h"
 #include "reader/characters.h"
 
 namespace {
@@ -15,7 +16,7 @@ constexpr int kMostFiles = 12;
 constexpr int kMostNameCharacters = 255;
 
 struct Pass {
-  Screen &screen;
+  RunState &run;
   std::FILE *copy;
   int &counter;
 };
@@ -23,12 +24,16 @@ struct Pass {
 // What one level knows about the text it is in.
 struct Level {
   std::FILE *input;
+  std::int64_t left;    // bytes that are still read of the file
   int depth = 0;        // open block comments
   bool inLine = false;  // behind ";" or ">" on this line
   int previous = ' ';
 };
 
-ErrorCode copyFile(Pass &pass, std::FILE *input);
+ErrorCode copyFile(Pass &pass, std::FILE *input, std::int64_t size);
+
+// The next character of the file, or EOF.
+int take(Level &level) { return level.left-- > 0 ? std::getc(level.input) : EOF; }
 
 void follow(Level &level, int c) {
   if (c == '>' || c == ';') {
@@ -43,13 +48,13 @@ void follow(Level &level, int c) {
 }
 
 // The name between the bars, the first bar already read. Line feeds in it count but are left out.
-ErrorCode readName(Pass &pass, std::FILE *input, char *name, bool &openable) {
+ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   int count = 0;
   openable = true;
-  for (int c = std::getc(input); c != '|' && c != EOF; c = std::getc(input)) {
+  for (int c = take(level); c != '|' && c != EOF; c = take(level)) {
     if (++count > kMostNameCharacters) {
-      say(pass.screen, "\nERROR: Include filename has exceeded maximum");
-      say(pass.screen, "\nlength of %d characters.\n\n", {kMostNameCharacters});
+      say(pass.run.screen, "\nERROR: Include filename has exceeded maximum");
+      say(pass.run.screen, "\nlength of %d characters.\n\n", {kMostNameCharacters});
       return kAlreadyReported;
     }
     if (c == '\0') {
@@ -63,28 +68,50 @@ ErrorCode readName(Pass &pass, std::FILE *input, char *name, bool &openable) {
   return kOk;
 }
 
-ErrorCode includeFile(Pass &pass, std::FILE *input) {
-  int c = std::getc(input);
+// Whether the file is one that the run writes. What it will write there is no text of the composer,
+// and what stands there now may be the only copy of one; so a log that is such a file gets nothing.
+bool isWritten(Pass &pass, std::FILE *file) {
+  if (isSamePlainFile(file, pass.run.screen.log.file)) {
+    abandonFile(pass.run.screen.log.file);
+    return true;
+  }
+  return isSamePlainFile(file, pass.run.output.file) ||
+         isSamePlainFile(file, pass.run.expansion.file) || isSamePlainFile(file, pass.copy);
+}
+
+// Opens the file, or gives null.
+std::FILE *openPart(Pass &pass, const char *name, std::int64_t &size) {
+  std::FILE *file = openIncluded(name, size);
+  if (file != nullptr && isWritten(pass, file)) {
+    std::fclose(file);
+    return nullptr;
+  }
+  return file;
+}
+
+ErrorCode includeFile(Pass &pass, Level &level) {
+  int c = take(level);
   while (c != EOF && isSpace(static_cast<char>(c))) {
-    c = std::getc(input);
+    c = take(level);
   }
   if (c != '|') {
-    say(pass.screen, "\n\nInclude filename must be preceeded by a |.\n");
+    say(pass.run.screen, "\n\nInclude filename must be preceeded by a |.\n");
     return kIncludeFailed;
   }
   char name[kMostNameCharacters + 1];
   bool openable = true;
-  ErrorCode error = readName(pass, input, name, openable);
+  ErrorCode error = readName(pass, level, name, openable);
   if (error > 0) {
     return error;
   }
-  std::FILE *included = openable ? openIncluded(name) : nullptr;
+  std::int64_t size = 0;
+  std::FILE *included = openable ? openPart(pass, name, size) : nullptr;
   if (included == nullptr) {
-    say(pass.screen, "\nBad include file name: \"%s\"\n\n", {name});
+    say(pass.run.screen, "\nBad include file name: \"%s\"\n\n", {name});
     return kAlreadyReported;
   }
-  say(pass.screen, "\n\tOpening include file \"%s\"...", {name});
-  error = copyFile(pass, included);
+  say(pass.run.screen, "\n\tOpening include file \"%s\"...", {name});
+  error = copyFile(pass, included, size);
   std::fclose(included);
   return error;
 }
@@ -94,7 +121,7 @@ ErrorCode includeFile(Pass &pass, std::FILE *input) {
 // `#include` is lost, from the "#" to the first character that differs. The loss is of old and
 // kept.
 ErrorCode followDirective(Pass &pass, Level &level) {
-  int c = std::getc(level.input);
+  int c = take(level);
   if (c != 'i') {
     std::putc('#', pass.copy);
     if (c != EOF) {
@@ -103,7 +130,7 @@ ErrorCode followDirective(Pass &pass, Level &level) {
     level.previous = c;
     return kOk;
   }
-  c = std::getc(level.input);
+  c = take(level);
   if (c != 'n') {
     std::fputs("#i", pass.copy);
     if (c != EOF) {
@@ -113,23 +140,24 @@ ErrorCode followDirective(Pass &pass, Level &level) {
     return kOk;
   }
   for (const char *rest = "clude"; *rest != '\0'; ++rest) {
-    c = std::getc(level.input);
+    c = take(level);
     if (c != *rest) {
       level.previous = c;
       return kOk;
     }
   }
   level.previous = '|';
-  return includeFile(pass, level.input);
+  return includeFile(pass, level);
 }
 
-ErrorCode copyFile(Pass &pass, std::FILE *input) {
+// Copies so many bytes of a file, or what there is of them.
+ErrorCode copyFile(Pass &pass, std::FILE *input, std::int64_t size) {
   if (pass.counter++ >= kMostFiles) {
-    say(pass.screen, "\n\nToo many embedded include files! (Max = %d)\n", {kMostFiles});
+    say(pass.run.screen, "\n\nToo many embedded include files! (Max = %d)\n", {kMostFiles});
     return kIncludeFailed;
   }
-  Level level{input};
-  for (int c = std::getc(input); c != EOF; c = std::getc(input)) {
+  Level level{input, size};
+  for (int c = take(level); c != EOF; c = take(level)) {
     if (c == '#' && !level.inLine && level.depth == 0) {
       ErrorCode error = followDirective(pass, level);
       if (error > 0) {
@@ -142,7 +170,7 @@ ErrorCode copyFile(Pass &pass, std::FILE *input) {
     }
   }
   if (std::ferror(input) != 0) {
-    say(pass.screen, "\nERROR: Can't read an input file.\n\n");
+    say(pass.run.screen, "\nERROR: Can't read an input file.\n\n");
     return kAlreadyReported;
   }
   return kOk;
@@ -150,7 +178,7 @@ ErrorCode copyFile(Pass &pass, std::FILE *input) {
 
 }  // namespace
 
-ErrorCode include_pass(Screen &screen, std::FILE *input, std::FILE *copy, int &counter) {
-  Pass pass{screen, copy, counter};
-  return copyFile(pass, input);
+ErrorCode include_pass(RunState &run, std::FILE *input, std::FILE *copy, int &counter) {
+  Pass pass{run, copy, counter};
+  return copyFile(pass, input, std::numeric_limits<std::int64_t>::max());
 }

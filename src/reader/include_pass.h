@@ -6,9 +6,9 @@
 
 #include "driver/error_code.h"
 
-struct Screen;
+struct RunState;
 
 // Copies `input` into `copy`. `counter` is the number of files begun so far, the main input
-// included; the pass never copies more than twelve. Prints its own messages; a positive result (1,
-// or 999) means that it has failed.
-ErrorCode include_pass(Screen &screen, std::FILE *input, std::FILE *copy, int &counter);
+// included; the pass never copies more than twelve, and none that the run writes. Prints its own
+// messages; a positive result (1, or 999) means that it has failed.
+ErrorCode include_pass(RunState &run, std::FILE *input, std::FILE *copy, int &counter);

@@ -159,8 +159,12 @@ void echoExpansion(RunState &run, const SourceReader &source) {
 }  // namespace
 
 ErrorCode read_line(RunState &run, SourceReader &source) {
+  // An `#if` takes no notice of an expansion that was one too many.
+  if (run.screen.printed > kMaxMessagesInRun || !mayExpand(source)) {
+    return kOutOfMemory;
+  }
   if (std::fgets(source.line, kLineBytes, source.input) == nullptr) {
-    return kEndOfInput;
+    return std::ferror(source.input) == 0 ? kEndOfInput : kTemporaryFileLost;
   }
   ++source.lineCounter;
   std::fill_n(source.marked, source.markedLength, false);

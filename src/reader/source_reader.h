@@ -26,7 +26,7 @@ struct SourceReader {
 
   // Of the whole run.
   std::int64_t runExpansions = 0;  // macro calls and constant references
-  std::int64_t runInserted = 0;    // characters that they inserted
+  std::int64_t runExpanded = 0;    // their characters, and those that took their place
 
   // Of the line being read.
   int expansions = 0;    // macro calls expanded in it

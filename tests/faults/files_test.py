@@ -150,6 +150,28 @@ class CannotOpen(support.FaultTest):
         self.as_nobody("new.log", "-l", "new.log", "piece.txt", "/dev/null")
         self.assertEqual(self.read("locked.sco"), b"kept")
 
+    def test_unwritable_temporary_folder(self):
+        read_only = "mount --bind /tmp /tmp && mount -o remount,ro,bind /tmp"
+        if subprocess.run(["unshare", "-rm", "sh", "-c", read_only], capture_output=True).returncode != 0:
+            self.skipTest("needs to be allowed name spaces of its own")
+        result = subprocess.run(
+            ["unshare", "-rm", "sh", "-c", read_only + ' && exec "$0" "$@"', support.KORVO, "piece.txt", "a.sco"],
+            cwd=self.folder, capture_output=True)
+        self.assertEqual((result.returncode, result.stderr), (1, b"\nERROR: Can't open temporary file\n\n"))
+
+    def test_unreadable_input(self):
+        """A file that can be opened but not read, as on a bad disk: the program's own memory, which begins with nothing."""
+        result = self.run_korvo("/proc/self/mem", "a.sco")
+        self.assertEqual(result.returncode, 1)
+        self.assertTrue(result.stderr.endswith(b"\nERROR: Can't read an input file.\n\n"), result.stderr)
+
+    def test_include_that_would_block(self):
+        os.mkfifo(self.folder / "pipe")
+        self.write("piece.txt", b"#include |pipe|\n" + PIECE)
+        result = self.run_korvo("piece.txt", "a.sco")
+        self.assertEqual(result.returncode, 1)
+        self.assertTrue(result.stderr.endswith(b'\nBad include file name: "pipe"\n\n'), result.stderr)
+
     def test_out_of_file_handles(self):
         """With ever more handles left, each file in turn is the one that cannot be opened. (With fewer than four the
         program cannot be loaded.)"""
@@ -203,6 +225,29 @@ class InputIsOutput(support.FaultTest):
         for name in self.names:
             self.expect_kept(name, self.run_korvo("-x", name, "piece.txt", "a.sco"))
 
+    def test_an_old_score_is_kept_too(self):
+        for name in self.names:
+            for option in "-l", "-x":
+                self.write("a.sco", b"old score")
+                self.expect_kept(name, self.run_korvo(option, name, "piece.txt", "a.sco"))
+                self.assertEqual(self.read("a.sco"), b"old score")
+
+    def test_include(self):
+        """An included file that would be written, by whatever name, is no include, and keeps its text."""
+        self.write("part.txt", b"te(90)\n")
+        self.write("piece.txt", b"; " + b"x" * 70000 + b"\n#include |part.txt|\n")
+        os.symlink("part.txt", self.folder / "part-link")
+        os.link(self.folder / "part.txt", self.folder / "part-hard")
+        for name in ("part.txt", "./part.txt", "part-link", "part-hard"):
+            for arguments in (["piece.txt", name], ["-l", name, "piece.txt", "a.sco"],
+                              ["-x", name, "piece.txt", "a.sco"]):
+                self.write("a.sco", b"old score")
+                result = self.run_korvo(*arguments)
+                self.assertEqual(result.returncode, 1, arguments)
+                self.assertTrue(result.stderr.endswith(b'\nBad include file name: "part.txt"\n\n'), result.stderr)
+                self.assertEqual(self.read("part.txt"), b"te(90)\n", arguments)
+                self.assertEqual(self.read("a.sco"), b"old score")
+
     def test_input_through_a_link(self):
         self.expect_kept("piece.txt", self.run_korvo("link", "piece.txt"))
         self.expect_kept("hard", self.run_korvo("link", "hard"))
@@ -218,6 +263,26 @@ class InputIsOutput(support.FaultTest):
             self.assertEqual((result.returncode, result.stderr),
                              (1, b"\nERROR: You can't use a filename multiple times!\n\n"))
             self.assertEqual(self.read("piece.txt"), PIECE)
+
+
+class WrittenTwice(support.FaultTest):
+    """Two names of one file cannot both be written."""
+
+    def test_written_twice(self):
+        self.write("a.sco", b"old")
+        os.symlink("a.sco", self.folder / "link")
+        os.link(self.folder / "a.sco", self.folder / "hard")
+        for name in ("./a.sco", "link", "hard"):
+            for option in "-l", "-x":
+                result = self.run_korvo(option, name, "piece.txt", "a.sco")
+                self.assertEqual((result.returncode, result.stderr), (1, cannot_open(name)))
+                self.assertEqual(self.read("a.sco"), b"old")
+        result = self.run_korvo("-l", "./b", "-x", "b", "piece.txt", "a.sco")
+        self.assertEqual((result.returncode, result.stderr), (1, cannot_open("./b")))
+
+    def test_devices_may_be_shared(self):
+        result = self.run_korvo("-l", "/dev/null", "-x", "/dev/./null", "piece.txt", "/dev/../dev/null")
+        self.assertEqual(result.returncode, 0)
 
 
 class StandardStreams(support.FaultTest):

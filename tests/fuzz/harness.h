@@ -11,11 +11,11 @@ namespace fuzz {
 // The longest input that is tried. Faults hide in combinations, which fit into less.
 inline constexpr std::size_t kMostBytes = 8192;
 
-// Sends what the program prints to nowhere, and moves to an empty folder, so that no include name
-// finds a file. Called once, before the first run.
+// Sends what the program prints to nowhere, and moves to a folder with a few short files for
+// includes to find, whose names are in korvo.dict. Done once, before the first run.
 void silence();
 
-// Whether the input is worth a run: it must not name files outside the folder or ask for a very
+// Whether the input is worth a run: it must not include files outside the folder or ask for a very
 // large number of events or draws, which would take time and find nothing. Only a cheap look: the
 // allocations below are the real guard.
 bool isReasonable(const std::uint8_t *data, std::size_t size);

@@ -7,13 +7,13 @@ Each piece is a megabyte of one thing that could be slow. With --measure nothing
 of message bytes are printed. What the pieces print goes into a pipe that is only counted.
 """
 
+import itertools
 import os
-import resource
+import string
 import subprocess
 import sys
 import tempfile
 import threading
-import time
 from pathlib import Path
 
 MEGABYTE = 1 << 20
@@ -65,6 +65,55 @@ def from_macro(text, begin="", end=""):
 
 LIST = lines_of([str(i % 10) for i in range(65536)])
 EMPTY_CALLS = "#define e ##\n#define m #" + "$e" * 2000 + "#\n"
+
+
+def names_of_one_chain(count):
+    """Names that a plain 32-bit FNV-1a hash takes for one another in its low 16 bits."""
+    prime, letters = 16777619, string.ascii_letters
+    inverse = pow(prime, -1, 1 << 16)
+    ends = {0: [""]}  # by the state that a name's last three letters lead to 0 from
+    for _ in range(3):
+        longer = {}
+        for state, texts in ends.items():
+            for c in letters:
+                longer.setdefault((state * inverse & 0xFFFF) ^ ord(c), []).extend(c + text for text in texts)
+        ends = longer
+    names = []
+    for begin in itertools.product(letters, repeat=3):
+        state = 2166136261 & 0xFFFF
+        for c in begin:
+            state = (state ^ ord(c)) * prime & 0xFFFF
+        names += ["".join(begin) + end for end in ends.get(state, [])]
+        if len(names) >= count:
+            return names[:count]
+    raise AssertionError("too few names")
+
+
+def pieces_with_names():
+    long_name = "n" * 3990
+    yield "a long name in a macro", fill(
+        ">$q\n", f"#define {long_name} ##\n#define m(x) #${long_name}#\n#define q #" + "$m(1)" * 780 + "#\n")
+    parameters = "".join("x" * 3000 + f"{i:03d}\n" for i in range(128))
+    yield "long parameters", fill(
+        ">$m\n", f"#define f(\n{parameters}) ##\n#define m #" + ("$f(" + "'" * 127 + ")") * 31 + "#\n")
+    yield "parentheses that are swallowed", fill(
+        ">$m\n", "#define e ##\n#define f(x) #$e(" + "y" * 4080 + ")#\n#define m #" + "$f(1)" * 815 + "#\n")
+    names = names_of_one_chain(30000)
+    defined = "".join(f"#define {name} ##\n" for name in names)
+    yield "macros of one chain", fill(">$m\n", f"{defined}#define m #" + f"${names[0]}" * 581 + "#\n")
+    yield "constants of one chain", fill(
+        ">" + f"~{names[0]} " * 500 + "\n", "".join(f"#const {name} 1\n" for name in names))
+
+
+def pieces_with_includes():
+    """Most of the megabyte in a file that is included as often as a run may: piece and include."""
+    eleven = "#include |part.txt|\n" * 11
+    yield "warnings, included", eleven, fill("rd(2)" * 818 + "\n")
+    yield "divisions, included", f"{BLOCK % 1}EX(1 1 [p2\n{eleven}]) }}\n", fill("/p3" * 1363 + "\n")
+    tempos = "".join(f"te({i} {i + 1} 1111 1111 v3{'0' * 38})\n" for i in range(2, 51))
+    yield "tempo listings of skipped blocks, included", tempos + eleven, fill("i-1{}\n", tempos)[len(tempos):]
+    yield "references, included", "#const a 1\n" + eleven, fill(">" + "~a " * 600 + "\n")
+    yield "seeds, included", eleven, fill("rs(1)" * 818 + "\n")
 
 
 def pieces():
@@ -147,11 +196,18 @@ def pieces():
     yield "repeats without end", BLOCK % 100 + "1 x99999999999999999999 }"
 
 
-def measure(korvo, text, options):
+def all_pieces():
+    """A name, a piece, and what it may include."""
+    for name, text in itertools.chain(pieces_with_names(), pieces()):
+        yield name, text, ""
+    yield from pieces_with_includes()
+
+
+def measure(korvo, text, part, options):
     """Runs one piece; gives seconds, bytes of memory, bytes of messages and the status."""
     with tempfile.TemporaryDirectory(prefix="korvo-cost-") as folder:
         (Path(folder) / "piece.txt").write_bytes(text.encode("latin-1"))
-        started = time.monotonic()
+        (Path(folder) / "part.txt").write_bytes(part.encode("latin-1"))
         process = subprocess.Popen([korvo, *options, "piece.txt", "/dev/null"], cwd=folder,
                                    stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         timer = threading.Timer(GIVE_UP, process.kill)
@@ -175,12 +231,12 @@ def main():
     arguments = [a for a in arguments if a != "--measure"]
     korvo, names = os.path.abspath(arguments[0]), arguments[1:]
     failures = 0
-    for name, text in pieces():
+    for name, text, part in all_pieces():
         if names and name not in names:
             continue
-        assert len(text) <= MEGABYTE * 1.1, name
-        for options in [], ["-m", "-s"]:
-            seconds, memory, printed, status, last = measure(korvo, text, options)
+        assert len(text) + len(part) <= MEGABYTE * 1.1, name
+        for options in [], ["-m", "-s"], ["-t", "-l", "/dev/./null"]:
+            seconds, memory, printed, status, last = measure(korvo, text, part, options)
             too_much = seconds > MOST_SECONDS or memory > MOST_BYTES or status not in (0, 1)
             failures += too_much
             if measuring or too_much:

@@ -32,26 +32,29 @@ def run(text, *options):
 
 class LargeLimits(unittest.TestCase):
     def test_messages_of_a_run(self):
-        """Warnings never stop a run, but behind a gigabyte of them no macro is expanded. The blanks at the end of a
-        line are shown with it, so that the number of bytes can be had to the last one."""
-        limit = 1 << 30
-        lines = 340400
+        """Three gigabytes are said, then no further line is read. The blanks at the end of a line are shown with it, so
+        that the number of bytes can be had to the last one."""
+        limit = 3221225472
 
-        def piece(blanks):
-            return "#define e ##\n" + ("rd(2)" + " " * 1000 + "rd(2)\n") * lines + "rd(2)" + " " * blanks + "\n$e\n"
+        def piece(full_lines, short_lines, blanks):
+            short = "rd(2)" + " " * 1000 + "\n"
+            return "\n" * 1000 + ("rd(2)" * 800 + "\n") * full_lines + short * short_lines + "rd(2);last" + " " * blanks + "\n"
 
-        def said_before_the_call(total, messages):
-            behind = messages.partition(f'\n\tExpanding macro "e" into line {lines + 3}...')[2]
-            return total - len(behind)
+        def said(full_lines, short_lines, blanks):
+            """The status, the bytes up to the last warning with its caret, the messages behind it."""
+            status, total, messages = run(piece(full_lines, short_lines, blanks))
+            behind = messages[messages.rindex("\n     ^\n") + len("\n     ^\n"):]
+            return status, total - len(behind), behind
 
-        status, total, messages = run(piece(0))
-        self.assertEqual(status, 0)
-        missing = limit - said_before_the_call(total, messages)
-        self.assertIn(missing, range(1, 4000))
+        _, none, _ = said(0, 0, 0)
+        _, full, _ = said(1, 0, 0)
+        _, short, _ = said(0, 1, 0)
+        full_lines, rest = divmod(limit - none, full - none)
+        short_lines, blanks = divmod(rest, short - none)
         for more, expected in ((-1, 0), (0, 0), (1, 1)):
-            status, total, messages = run(piece(missing + more))
-            self.assertEqual((said_before_the_call(total, messages), status), (limit + more, expected), messages[-300:])
-            self.assertEqual(OUT_OF_MEMORY in messages, status == 1)
+            status, size, behind = said(full_lines, short_lines, blanks + more)
+            self.assertEqual((size, status), (limit + more, expected), behind)
+            self.assertEqual(OUT_OF_MEMORY in behind, status == 1, behind)
 
     def test_most_events_of_a_block(self):
         for events, status in ((67108863, 0), (67108864, 0), (67108865, 1)):

@@ -94,13 +94,13 @@ def macro_parameters(run):
     params = []
     while True:
         r.skip_blanks_and_comments()
+        if len(params) >= PARAMS_MAX:
+            raise Fail(32)
         if t.ch() not in lex.LETTERS:
             raise Fail(88)
         name = t.take_while(lex.WORD)
         while t.at_end() and not r.stream.eof and r.read_line() == 0:
             name += t.take_while(lex.WORD)
-        if len(params) >= PARAMS_MAX:
-            raise Fail(32)
         params.append(name)
         r.skip_blanks_and_comments()
         if t.ch() in ",'#":

@@ -1,6 +1,7 @@
 #include "driver/files.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -34,52 +35,96 @@ TEST(Files, WhatIsNotThereOrIsAFolderCannotBeRead) {
   EXPECT_EQ(openForReading("/"), nullptr);
 }
 
-TEST(Files, WritingReplacesWhatWasThere) {
+TEST(Files, WhatStandsInAFileStaysUntilItIsEmptied) {
   Folder folder;
-  std::FILE *input = openForReading(folder.write("in", "piece").c_str());
-  folder.write("out", "old text");
-  for (const char *mode : {"w", "wb"}) {
-    std::FILE *file = openForWriting((folder / "out").c_str(), mode, input);
-    ASSERT_NE(file, nullptr);
-    std::fputs("new", file);
-    std::fclose(file);
-    EXPECT_EQ(folder.read("out"), "new");
-  }
-  std::fclose(input);
+  std::FILE *file = openForWriting(folder.write("out", "old text").c_str());
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(folder.read("out"), "old text");
+  EXPECT_TRUE(emptyFile(file));
+  EXPECT_EQ(folder.read("out"), "");
+  std::fputs("new", file);
+  std::fclose(file);
+  EXPECT_EQ(folder.read("out"), "new");
+}
+
+TEST(Files, ANewFileIsMade) {
+  Folder folder;
+  std::FILE *file = openForWriting((folder / "out").c_str());
+  ASSERT_NE(file, nullptr);
+  EXPECT_TRUE(emptyFile(file));
+  std::fclose(file);
+  EXPECT_EQ(folder.read("out"), "");
+}
+
+TEST(Files, ADeviceHasNothingToEmpty) {
+  std::FILE *file = openForWriting("/dev/null");
+  ASSERT_NE(file, nullptr);
+  EXPECT_TRUE(emptyFile(file));
+  std::fclose(file);
+  EXPECT_TRUE(emptyFile(nullptr));
+}
+
+TEST(Files, AnAbandonedFileKeepsItsText) {
+  Folder folder;
+  std::FILE *file = openForWriting(folder.write("out", "old text").c_str());
+  ASSERT_NE(file, nullptr);
+  std::fputs("new", file);
+  abandonFile(file);
+  std::fputs("er", file);
+  EXPECT_TRUE(emptyFile(file));
+  EXPECT_EQ(std::fclose(file), 0);
+  EXPECT_EQ(folder.read("out"), "old text");
 }
 
 TEST(Files, AFolderOrAFileInAMissingFolderCannotBeWritten) {
   Folder folder;
-  std::FILE *input = openForReading(folder.write("in", "piece").c_str());
-  EXPECT_EQ(openForWriting((folder / ".").c_str(), "w", input), nullptr);
-  EXPECT_EQ(openForWriting((folder / "no/out").c_str(), "w", input), nullptr);
-  EXPECT_EQ(openForWriting("", "w", input), nullptr);
-  std::fclose(input);
+  EXPECT_EQ(openForWriting((folder / ".").c_str()), nullptr);
+  EXPECT_EQ(openForWriting((folder / "no/out").c_str()), nullptr);
+  EXPECT_EQ(openForWriting(""), nullptr);
 }
 
-TEST(Files, TheInputIsNeverOpenedForWriting) {
+TEST(Files, AFileIsTheSameByAnyName) {
   Folder folder;
   std::string name = folder.write("in", "piece");
   std::filesystem::create_hard_link(name, folder / "hard");
   std::filesystem::create_symlink(name, folder / "soft");
+  folder.write("copy", "piece");
   std::FILE *input = openForReading(name.c_str());
   for (const char *other : {"in", "./in", "hard", "soft"}) {
-    EXPECT_EQ(openForWriting((folder / other).c_str(), "w", input), nullptr) << other;
-    EXPECT_EQ(openForWriting((folder / other).c_str(), "wb", input), nullptr) << other;
-  }
-  std::fclose(input);
-  EXPECT_EQ(folder.read("in"), "piece");
-}
-
-TEST(Files, ACopyOfTheInputIsAnotherFile) {
-  Folder folder;
-  std::FILE *input = openForReading(folder.write("in", "piece").c_str());
-  std::FILE *file = openForWriting(folder.write("copy", "piece").c_str(), "w", input);
-  EXPECT_NE(file, nullptr);
-  if (file != nullptr) {
+    EXPECT_TRUE(isSameFile((folder / other).c_str(), input)) << other;
+    std::FILE *file = openForWriting((folder / other).c_str());
+    EXPECT_TRUE(isSamePlainFile(file, input)) << other;
     std::fclose(file);
   }
+  for (const char *other : {"copy", "missing"}) {
+    EXPECT_FALSE(isSameFile((folder / other).c_str(), input)) << other;
+  }
   std::fclose(input);
+}
+
+TEST(Files, TwoStreamsMayShareADeviceAndNothingIsLikeNoFile) {
+  std::FILE *a = openForWriting("/dev/null");
+  std::FILE *b = openForWriting("/dev/null");
+  EXPECT_FALSE(isSamePlainFile(a, b));
+  EXPECT_FALSE(isSamePlainFile(a, nullptr));
+  EXPECT_FALSE(isSamePlainFile(nullptr, nullptr));
+  std::fclose(a);
+  std::fclose(b);
+}
+
+TEST(Files, OnlyAPlainFileIsIncludedAndItsSizeIsTold) {
+  Folder folder;
+  std::int64_t size = 0;
+  std::FILE *file = openIncluded(folder.write("a", "xyz").c_str(), size);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(size, 3);
+  EXPECT_EQ(std::getc(file), 'x');
+  std::fclose(file);
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  for (const std::string &name : {folder / "pipe", folder / ".", folder / "missing",
+                                  std::string("/dev/zero"), std::string()}) {
+    EXPECT_EQ(openIncluded(name.c_str(), size), nullptr) << name;
+  }
 }
 
 TEST(Files, ATemporaryFileIsWrittenAndReadBack) {

@@ -158,13 +158,14 @@ TEST(Messages, TheLogGetsTheSameCharacters) {
   auto source = readerAt("a\tb", 2);
   MemoryFile log;
   std::string screen = onScreen([&](RunState &run) {
-    run.screen.log = log.file();
+    run.screen.log.file = log.file();
     say(run.screen, "\nx %d %f %s %c %%\n", {5, 1.5, "text", '!'});
     reportError(run, *source, 25);
     reportError(run, *source, 4);
     reportError(run, *source, 1000);
     warn(run, *source, 2);
     warn(run, *source, 26);
+    flushOutput(run.screen.log);
   });
   EXPECT_EQ(log.text(), screen);
   EXPECT_EQ(screen,
@@ -179,10 +180,11 @@ TEST(Messages, TheLogGetsTheSameCharacters) {
 TEST(Messages, StandardOutputDoesNotReachTheLog) {
   MemoryFile log;
   auto run = std::make_unique<RunState>();
-  run->screen.log = log.file();
+  run->screen.log.file = log.file();
   Capture capture({1});
   sayOnStandardOutput(run->screen, "abc", 3);
   flushScreen(run->screen);
+  flushOutput(run->screen.log);
   EXPECT_EQ(capture.text(), "abc");
   EXPECT_EQ(log.text(), "");
 }

@@ -17,13 +17,16 @@ std::string onTerminal(std::int64_t age, const std::function<void(RunState &)> &
                        bool terminal = true, bool silent = false, std::FILE *log = nullptr) {
   auto run = std::make_unique<RunState>();
   run->screen.isTerminal = terminal;
-  run->screen.log = log;
+  run->screen.log.file = log;
   run->options.silent = silent;
   beginProgress(*run);
   run->progress.began -= age;
   Capture capture({2});
   work(*run);
   flushScreen(run->screen);
+  if (log != nullptr) {
+    flushOutput(run->screen.log);
+  }
   return capture.text();
 }
 

@@ -74,6 +74,18 @@ TEST(NameTable, KeepsThousandsOfNames) {
   EXPECT_EQ(findName(table, "name_1"), nullptr);
 }
 
+TEST(NameTable, EveryTableHashesInItsOwnWay) {
+  NameTable one;
+  NameTable other;
+  Records records;
+  ASSERT_TRUE(addName(one, records.make("name")));
+  ASSERT_TRUE(addName(other, records.make("name")));
+  released.clear();
+  EXPECT_NE(findName(one, "name")->hash, findName(other, "name")->hash);
+  freeNames(one, release);
+  freeNames(other, release);
+}
+
 TEST(NameTable, RemovedNamesAreGoneAndOthersStay) {
   constexpr int kNames = 5000;
   NameTable table;

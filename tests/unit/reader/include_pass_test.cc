@@ -21,7 +21,7 @@ Spliced splice(const std::string &text, int counter = 0) {
   Piece piece(text);
   MemoryFile copy;
   Spliced spliced{};
-  spliced.result = include_pass(piece.run.screen, piece.source.input, copy.file(), counter);
+  spliced.result = include_pass(piece.run, piece.source.input, copy.file(), counter);
   spliced.copy = copy.text();
   spliced.messages = piece.messages();
   spliced.counter = counter;

@@ -1,9 +1,12 @@
 #include "reader/line_reader.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
+#include "preproc/conditional.h"
 #include "support/memory_file.h"
 #include "support/piece.h"
 
@@ -325,6 +328,37 @@ TEST(LineReader, ALineWithAnErrorIsNotEchoed) {
   closeOutput(piece.run.expansion);
   expansion.wasClosed();
   EXPECT_EQ(expansion.text(), "good \n");
+}
+
+// A folder can be opened, but reading it fails.
+void readFromAFolder(Piece &piece) {
+  std::fclose(piece.source.input);
+  piece.source.input = fdopen(open("/", O_RDONLY), "r");
+}
+
+TEST(LineReader, AFailureToReadIsNotTheEnd) {
+  Piece piece("");
+  readFromAFolder(piece);
+  EXPECT_EQ(piece.read(), kTemporaryFileLost);
+  EXPECT_EQ(piece.read(), kTemporaryFileLost);
+}
+
+TEST(LineReader, AFailureToReadEndsADroppedSection) {
+  Piece piece("#if(0)\n");
+  char text[] = "#if(0)\n";
+  std::memcpy(piece.source.line, text, sizeof text);
+  piece.source.position = 1;
+  readFromAFolder(piece);
+  EXPECT_EQ(OpenConditional(piece.run, piece.source), kTemporaryFileLost);
+}
+
+TEST(LineReader, NothingIsReadBehindTheLastMessage) {
+  Piece piece("a\nb\n");
+  piece.run.screen.printed = kMaxMessagesInRun;
+  EXPECT_EQ(piece.read(), kOk);
+  ++piece.run.screen.printed;
+  EXPECT_EQ(piece.read(), kOutOfMemory);
+  EXPECT_EQ(piece.line(), "a ");
 }
 
 }  // namespace

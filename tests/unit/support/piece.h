@@ -37,7 +37,7 @@ class Piece {
 
   explicit Piece(std::string_view text) {
     source.input = streamOf(text);
-    run.screen.log = log.file();
+    run.screen.log.file = log.file();
   }
   Piece(const Piece &) = delete;
   Piece &operator=(const Piece &) = delete;
@@ -79,6 +79,7 @@ class Piece {
 
   // What has been said since this was asked last.
   std::string messages() {
+    flushOutput(run.screen.log);
     std::string all = log.text();
     std::string fresh = all.substr(told);
     told = all.size();
