@@ -37,7 +37,7 @@ std::uint64_t drawKey() {
   if (getentropy(&key, sizeof key) != 0) {
     key = static_cast<std::uint64_t>(std::time(nullptr));
   }
-  return key % kPrime;
+  return 1 + key % (kPrime - 1);
 }
 
 NamedRecord **bucketOf(const NameTable &table, std::uint64_t hash) {
@@ -53,8 +53,6 @@ void link(NameTable &table, NamedRecord *record) {
 bool grow(NameTable &table) {
   NameTable larger;
   larger.bucketCount = table.bucketCount == 0 ? 64 : table.bucketCount * 2;
-  larger.count = table.count;
-  larger.key = table.bucketCount == 0 ? drawKey() : table.key;
   larger.buckets =
       static_cast<NamedRecord **>(std::calloc(larger.bucketCount, sizeof(NamedRecord *)));
   if (larger.buckets == nullptr) {
@@ -68,7 +66,8 @@ bool grow(NameTable &table) {
     }
   }
   std::free(table.buckets);
-  table = larger;
+  table.buckets = larger.buckets;
+  table.bucketCount = larger.bucketCount;
   return true;
 }
 
@@ -89,6 +88,9 @@ NamedRecord *findName(const NameTable &table, std::string_view name) {
 bool addName(NameTable &table, NamedRecord *record) {
   if (table.count == table.bucketCount && !grow(table)) {
     return false;
+  }
+  if (table.key == 0) {
+    table.key = drawKey();
   }
   record->hash = hashOf(table, record->name);
   link(table, record);

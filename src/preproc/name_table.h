@@ -12,7 +12,7 @@ struct NamedRecord {
 };
 
 struct NameTable {
-  std::uint64_t key = 0;  // of the hash; drawn anew for every table
+  std::uint64_t key = 0;  // of the hash; drawn for the first name
   NamedRecord **buckets = nullptr;
   std::uint32_t bucketCount = 0;
   std::uint32_t count = 0;
