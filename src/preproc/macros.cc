@@ -160,11 +160,13 @@ ErrorCode gatherBody(RunState &run, SourceReader &source, Definition &definition
   while (comment != kNoComment || current(source) != '#') {
     ErrorCode error = kOk;
     if (current(source) == '\0') {
-      if (!refill(run, source, error)) {
+      bool atTheEnd = std::feof(source.input) != 0;
+      error =
+          atTheEnd ? kMissingMacroBodyEnd : appendToBody(run, source, definition, begin, "\n", 1);
+      if (error == kOk && !refill(run, source, error)) {
         return error > 0 ? error : kMissingMacroBodyEnd;
       }
       comment = comment == kLineComment ? kNoComment : comment;
-      error = appendToBody(run, source, definition, begin, "\n", 1);
     } else {
       const char *text = source.line + source.position;
       int count = stepInBody(text, comment);

@@ -50,10 +50,18 @@ def values_piece():
     ]
 
 
-PIECES = {"names": names_piece(), "values": values_piece()}
+def copies_piece():
+    """Blocks that fill the memory of their events to the last one, and then copy one."""
+    many = ":".join(str(i) for i in range(100))
+    fields = ["1 : 2", "S2(1 1 [1:2])", "1 : S2(1 1 [1])", "1 : RA(1 1 [0 1])", f"<S2(80 1 [{many}])>"]
+    return [f"i{i} = 4 0 -16384 {{ p2 1 p3 1 p4 {field} }}" for i, field in enumerate(fields, 1)]
+
+
+PIECES = {"copies": copies_piece(), "names": names_piece(), "values": values_piece()}
 RUNS = {
     "names": ("names", ["-l", "log.txt", "-x", "exp.txt"]),
     "names as MIDI": ("names", ["-m"]),
+    "copies": ("copies", ["-s"]),
     "values": ("values", ["-s"]),
     "values as MIDI": ("values", ["-m", "-s"]),
 }
@@ -107,6 +115,9 @@ class RefusedMemory(support.FaultTest):
 
     def test_names_as_midi(self):
         self.check_all("names as MIDI", False)
+
+    def test_copies(self):
+        self.check_all("copies", False)
 
     def test_values(self):
         self.check_all("values", False)

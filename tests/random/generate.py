@@ -4,7 +4,9 @@
 
 `generate(seed)` makes one `Piece`: its text, the same text cut into include files, the places where a line may be put
 in without changing what the piece means, and what is known of its blocks. The same seed always makes the same piece.
-Most pieces are valid; some hold one thing that is wrong. Blocks are small, so that a piece runs in a few milliseconds.
+Most pieces are valid; some hold one thing that is wrong, some a macro that calls itself without end. Blocks are small,
+so that a piece runs in a few milliseconds; about one piece in five hundred holds a block of as many events as fill a
+chunk of the event list, or of more.
 
 `mutate(text, rng)` damages a text the way an unlucky hand does.
 """
@@ -19,14 +21,19 @@ GAP = "\x01"  # stands in the text, while it is made, where a whole line may be 
 
 CURVES = ["", "f", "e", "l", "s", "c", "E", "L", "S", "C", "F"]
 DISTRIBUTIONS = ["", "", "", "f ", "l ", "h ", "t ", "g ", "x ", "b ", "L ", "H", "T ", "G", "X ", "B "]
-KINDS = ["", "", "", "(in)", "(db)", "(hz)", "(op)", "(od)", "(tr)", "(bn)", "(bn3)", "(xx)", "(re)", "(re5)", "(re0)",
-         "( RE7 )", "(IN)", "(Hz )", "(bn0)", "(BN7)", "(re 4)"]
+KINDS = ["", "", "", "(in)", "(db)", "(hz)", "(op)", "(od)", "(tr)", "(bn)", "(xx)", "(re)", "( RE7 )", "(IN)", "(Hz )",
+         "(re 4)", "(re%d)", "(Re%d)", "(bn%d)", "(BN%d)"]  # with a digit from 0 to 7 for "%d"
+TEMPO_CURVES = ["e", "f", "l", "s", "c", "E", "F", "L", "S", "C", "v", "V"]
+LINE = 4095  # the characters of a line, its line feed included, that are read at once
+CHUNK = 16384  # the events that the event list holds in one chunk
+FILES = 12  # the files that one run may read, the piece itself included
 WORDS = ["te(", "rd(", "rs(", "sr(", "pf(", "dv(", "RA(", "RW(", "MO(", "MS(", "SE(", "S2(", "HO(", "EX(", "T", "T*.5",
          "p2", "p3", "p4", "p5", "i1", "i-1", "re", "in", "db", "no", "nox", "op", "opx", "rh", "od", "hz", "xx", "z",
          "x2", "x", "*", "/", "//", ":", "'", ",", "<", ">", "[", "]", "(", ")", "{", "}", "#define ", "#undef ", "#const ",
          "#if(", "#if(0)\n", "#if(1)\n", "#endif", "#endif\n", "#include |", "#", "$", "~", "~[", "~@1", "~@2", "@1", "?",
          "%", "+", "-", ";", "/*", "*/", "\n", "\r\n", "\t", " ", ".", "0", "1", "4.", "-2", "200", "400", "1000.5", "1e5",
-         "99999", "12345678901", "0.0000000001", ".", "=", "|", "e", "v2", "v", "dx", "sa", "\xff", "\xe9", "ra", "\f"]
+         "99999", "12345678901", "0.0000000001", ".", "=", "|", "e", "v2", "v", "dx", "sa", "\xff", "\xe9", "ra", "\f",
+         "\v", "\0", "\x80", "\xa0", "dx(", "~@3", "~@4"]
 
 
 @dataclass
@@ -35,7 +42,7 @@ class Piece:
     text: str  # the whole piece in one text
     files: dict  # name: text; "piece.txt" is the piece, the others are what it includes
     gaps: list  # offsets into `text` where a whole line may be put in between two items
-    blocks: dict  # instrument: (p-fields, hidden p-fields); every instrument is used once
+    blocks: dict  # instrument: (p-fields, hidden p-fields); blocks of one instrument have the same text
     broken: bool  # something was made wrong on purpose
     no_feedback: str = ""  # why the expansion file of this piece need not give the same score when it is fed back
 
@@ -62,40 +69,69 @@ def neutral_places(text):
     return places
 
 
-def split_into_includes(text, rng, most=4, first=1):
-    """Cut up to `most` stretches out of the text (and again out of these), each into a file of its own."""
-    files = {}
+def include_name(number, rng):
+    """The name of an include file, and how a directive writes it: a line feed in it does not count."""
+    name = rng.choice(["part{}.txt"] * 12 + ["part {}.txt", " part{}", "part{} ", "./part{}.txt"]).format(number)
+    written = name
+    if rng.random() < 0.06:
+        at = rng.randrange(len(name) + 1)
+        written = name[:at] + rng.choice(["\n", "\n", "\n\n"]) + name[at:]
+    return name, written
 
-    def split(part, budget, depth):
-        if "#include" in part or "#inc" in part:
+
+def split_into_includes(text, rng):
+    """Cut stretches out of the text (and again out of these), each into a file of its own, now and then as many as one
+    run may read; a stretch that the text holds twice may become one file that is included twice."""
+    most = 4 if rng.random() < 0.9 else rng.randrange(5, FILES)
+    files, directives = {}, []
+
+    def directive(written):
+        directives.append("#include" + rng.choice([" ", " ", "", "  ", "\n", "\t"]) + "|" + written + "|")
+        return directives[-1]
+
+    def split(part, depth):
+        if "#inc" in part or len(directives) + depth >= most:
             return part
-        for _ in range(budget):
-            places = neutral_places(part)
-            lines = [p for p in places if p and part[p - 1] == "\n" or rng.random() < 0.1]
-            if len(lines) < 2:
-                return part
-            begin, end = sorted(rng.sample(lines, 2))
-            if len(files) >= most:
-                return part
-            name = f"part{len(files) + first}.txt"
-            files[name] = ""
-            inside = part[begin:end]
-            if depth < 3 and rng.random() < 0.4:
-                inside = split(inside, 1, depth + 1)
-            files[name] = inside
-            blank = rng.choice([" ", " ", "", "  ", "\n", "\t"])
-            part = part[:begin] + f"#include{blank}|{name}|" + part[end:]
+        places = neutral_places(part)
+        lines = [p for p in places if p and part[p - 1] == "\n" or rng.random() < 0.1]
+        if len(lines) < 2:
             return part
+        begin, end = sorted(rng.sample(lines, 2))
+        name, written = include_name(len(files) + 1, rng)
+        files[name] = ""
+        inside = part[begin:end]
+        if depth < 3 and rng.random() < (0.4 if most == 4 else 0.7):
+            inside = split(inside, depth + 1)
+        files[name] = inside
+        return part[:begin] + directive(written) + part[end:]
+
+    def split_twice(part):
+        """One file for a stretch of whole lines that the part holds twice."""
+        neutral = set(neutral_places(part))
+        lines = sorted(p for p in neutral if p == 0 or part[p - 1] == "\n")
+        known = {}
+        for begin, end in zip(lines, lines[1:]):
+            known.setdefault(part[begin:end], []).append(begin)
+        twice = [(stretch, places) for stretch, places in known.items() if len(places) > 1]
+        if not twice:
+            return part
+        stretch, places = max(twice, key=lambda item: len(item[0]))
+        name, written = include_name(len(files) + 1, rng)
+        files[name] = stretch
+        for place in reversed(places[-3:]):
+            part = part[:place] + directive(written) + part[place + len(stretch):]
         return part
 
-    main = split(text, 1, 0)
-    # further cuts behind and before the first directive
+    if rng.random() < 0.08 and "#inc" not in text:
+        main = split_twice(text)
+    else:
+        main = split(text, 0)
+    # further cuts behind the last directive
     for _ in range(most - 1):
-        if rng.random() < 0.5 or "#include" not in main:
+        if "#include" not in main or rng.random() < (0.5 if most == 4 else 0.1):
             continue
         cut = main.rindex("|") + 1
-        head, tail = main[:cut], main[cut:]
-        main = head + split(tail, 1, 0)
+        main = main[:cut] + split(main[cut:], 0)
     return {"piece.txt": main, **files}
 
 
@@ -156,6 +192,10 @@ class Maker:
         self.rhythm = False  # values are rhythms here
         self.early = True  # nothing can have filled the block yet
         self.dead = False  # inside a section that is dropped
+        self.plainly = False  # inside a macro's body: no comment that lasts to the line's end, no number sign
+        self.free = False  # a value here may be anything
+        self.played = False  # there was a block
+        self.endless = []  # calls that end the run
 
     # -- little choices
 
@@ -174,7 +214,11 @@ class Maker:
                          "#define", "#endif", ">", "<", "''", "")
 
     def comment(self):
+        if self.plainly:
+            return self.pick("/* so */", "/**/", "/* a, 'b'\n\n */")
         text = " ".join(self.word() for _ in range(self.rng.randrange(3)))
+        if self.chance(0.01):
+            text += self.pick("\xe9t\xe9", "\x80\xfe\xff", " \xa0", "\f", "\v ")
         kind = self.rng.randrange(6)
         if kind == 0:
             return "/*" + text.replace(">", "") + "*/"
@@ -245,7 +289,7 @@ class Maker:
         return text
 
     def number(self, low, high):
-        """A number in the range: by hand, by a constant, an equation, a macro or what has been played so far."""
+        """A number in the range: by hand, by a constant, an equation or a macro."""
         if self.chance(0.8):
             return self.plain(low, high)
         kind = self.rng.randrange(4)
@@ -260,7 +304,12 @@ class Maker:
                        if count == 0 and isinstance(gives, float) and low <= gives <= high]
             if fitting:
                 return "$" + self.rng.choice(fitting) + self.pick("", "", "", " ", "()", "(x)")
-        return self.plain(low, high)
+        text = self.plain(low, high)
+        return self.call("the argument", text) or text if kind == 3 else text
+
+    def run_value(self):
+        """What has been played so far: seconds or beats, of the last block or of all."""
+        return "~@" + self.pick("1", "2", "3", "4")
 
     def equation(self, low, high):
         """An equation whose value is near the middle of the range; the range is wide enough for it as a rule."""
@@ -314,9 +363,7 @@ class Maker:
     def define(self):
         """One macro; returns its statement."""
         rng = self.rng
-        name = self.name()
-        kind = rng.randrange(9)
-        gap = self.here()
+        kind = rng.randrange(9) if self.chance(0.75) else rng.randrange(9, 14)
         if kind <= 1:
             value = self.plain(0.1, 20)
             body, count, gives = value, 0, float(value)
@@ -349,31 +396,102 @@ class Maker:
                 body, count, gives = "2 $v", 1, "number list of one"
         elif kind == 7:
             body, count, gives = "$v x3" + self.pick("", "\n"), 1, "number list of one"
-        else:
+        elif kind == 8:
             body, count, gives = "< 1 $v >", 1, "loop of one"
+        elif kind == 9:
+            body, count, gives = "$v", 1, "the argument"
+        elif kind == 10:
+            a, b = rng.randrange(1, 9), rng.randrange(1, 4)
+            body, count, gives = f"~[{a} * {b}]", 0, float(a * b)
+        elif kind == 11:
+            body = self.pick("\n", " ", "\n \n").join(
+                self.pick(self.case("rd") + "(.1)", "rd(0)", self.case("rs") + f"({rng.randrange(65536)})", "rs(\n7\n)")
+                for _ in range(rng.randrange(1, 4)))
+            count, gives = 0, "settings"
+        elif kind == 12:
+            body = self.pick("", " ", "\n") + "te(" + self.pick("90", "120.5\n", "0, 8, 60, 90", "2,9,80,\n120,S") + ")"
+            body += self.pick("", "\n", " rd(.05)")
+            count, gives = 0, "tempo"
+        else:
+            return self.list_macro()
         parameters = {0: "", 1: "q" if "$q" in body else "v", 2: "a b", 3: "span low high"}[count].split()
+        return self.definition(self.name(), parameters, body, gives)
+
+    def list_macro(self):
+        """A macro with many parameters, rarely as many as there may be, rarely one too many."""
+        count = self.pick(128, 128, 129) if self.chance(0.03) else self.rng.randrange(4, 14)
+        parameters = [self.pick("a", "v", "P", "q_") + str(number) for number in range(count)]
+        used = [self.rng.choice(parameters) for _ in range(self.rng.randrange(1, 9))] + parameters[-1:]
+        body = used[0]
+        for parameter in used[1:]:
+            body += self.pick(" $", " $", ", $", " x2 $", "\n$", " / $") + parameter
+        return self.definition(self.name(), parameters, "$" + body, ("list", count))
+
+    def definition(self, name, parameters, body, gives):
+        """The statement that defines a macro."""
+        gap = self.here()
         text = "#" + self.pick("define", "define", "define", "dxxxxx") + self.pick(" ", " ", "\t", "  ") + name
-        if count:
-            text += "(" + self.here() + self.pick(", ", ",", " , ", "' ").join(parameters) + self.here() + ")"
+        if parameters:
+            between = self.pick(", ", ",", " , ", "' ", ",\n  " if len(parameters) > 3 else ", ")
+            text += "(" + self.here() + between.join(parameters) + self.here() + ")"
         elif gap == "":
             gap = " "
         if self.chance(0.06):
             gap = self.pick("\n", " /* body */ ", " ; body\n")
         text += gap + "#" + body + "#"
         if not self.dead:
-            self.macros[name] = (count, gives)
+            self.macros[name] = (len(parameters), gives)
             self.bodies[name] = body
         return text + self.pick("", "", "", " ", " ; defined")
+
+    def made_macro(self, text, gives):
+        """What stands for a text that becomes a macro's body, perhaps of several lines: the statement and the call."""
+        name = self.name()
+        body = text.replace(GAP, "")
+        return self.definition(name, [], body, gives) + "\n" + GAP, "$" + name
+
+    def recursion(self):
+        """Macros that call themselves or one another; a call of one ends the run."""
+        one, other = self.name(), self.name()
+        value = self.plain(1, 9)
+        bodies, call = self.pick(
+            ([("", "$" + one)], "$" + one),
+            ([("", value + " $" + one)], "$" + one),
+            ([("", f"${one} ${one}")], f"${one}({value})"),
+            ([("(v)", f"${one}($v)")], f"${one}({value})"),
+            ([("(v)", f"$v ${one}($v 1) $v")], f"${one}({value})"),
+            ([("(v)", "$v")], f"${one}($v)"),
+            ([("(v)", "1 $v")], f"${one}(${one}({value}))"),
+            ([("", "$" + other), ("", "$" + one)], "$" + one),
+            ([("", value + "\n$" + other), ("", f"( ${one}")], "$" + one),
+            ([("(v)", f"$v ${other}($v)"), ("(w)", f"${one}(1 $w)")], f"${one}({value})"))
+        text = "".join(f"#define {name}{parameters} #{body}#\n" + GAP
+                       for name, (parameters, body) in zip((one, other), bodies))
+        if not self.dead:
+            self.endless.append(call)
+        if self.chance(0.5):
+            text += self.pick("", " ", "  ")
+            text += self.pick(call, f"te({call})", f"> {call}", f"i{call} = 3", f"#if({call})\n#endif") + "\n" + GAP
+        return text
 
     def call(self, wanted, *arguments):
         """A call of a macro that gives what is wanted, or nothing."""
         fitting = [n for n, (_, gives) in self.macros.items() if gives == wanted]
-        if not fitting:
+        if not fitting or self.dead:
             return None
         text = "$" + self.rng.choice(fitting)
         if arguments:
-            text += "(" + self.pick("'", "'", "#", " ' ").join(arguments) + ")"
+            text += "(" + self.pick("'", "'", "'" if self.plainly else "#", " ' ").join(arguments) + ")"
         return text
+
+    def list_call(self):
+        """A call of a macro with many parameters, or nothing."""
+        fitting = [(n, count) for n, (count, gives) in self.macros.items() if gives == ("list", count)]
+        if not fitting or self.dead:
+            return None
+        name, count = self.rng.choice(fitting)
+        return f"${name}(" + self.pick("'", " ' ", "'" if self.plainly else "#").join(
+            self.plain(1, 9) for _ in range(count)) + ")"
 
     def constant(self):
         name = self.name()
@@ -384,6 +502,8 @@ class Maker:
         elif self.constants and self.chance(0.15):
             other = self.rng.choice(list(self.constants))
             value, number = "~" + other, self.constants[other]
+        elif self.chance(0.1):
+            value, number = self.run_value(), None
         else:
             number = float(value)
         if number is not None and not self.dead:
@@ -411,15 +531,22 @@ class Maker:
         end = self.plain(float(start), float(start) + 20) if self.chance(0.9) else start
         parts = [start, end, self.number(25, 350), self.number(25, 350)]
         if self.chance(0.6):
-            parts.append(self.pick("e", "f", "l", "s", "c", "E", "C", f"v{self.plain(0.2, 3)}", "V2"))
+            curve = self.rng.choice(TEMPO_CURVES)
+            parts.append(curve + self.plain(0.2, 3) if curve in "vV" else curve)
         text = name + "(" + self.here()
         return text + self.sep().join(parts) + self.pick("", " ", "\n") + ")"
 
     def statement(self):
         """One statement of the global area, with what may stand behind it on its line."""
+        if self.chance(0.002):
+            return self.recursion()
+        if self.chance(0.005):
+            return self.long_line()
         what = self.rng.randrange(14)
         if what <= 1:
             text = self.tempo()
+        elif what <= 4 and self.chance(0.15):
+            text = self.call("settings") or self.call("tempo") or "rd (0)"
         elif what == 2:
             text = self.case("rd") + self.maybe() + "(" + self.maybe() + self.number(0, 0.4) + self.maybe() + ")"
         elif what <= 4:
@@ -427,8 +554,9 @@ class Maker:
         elif what == 5:
             text = self.case("sr") + "(" + self.pick("44100", "48000", "96000", "22050 ", " +8000", "1") + ")"
         elif what == 6:
-            text = ">" + self.pick("", " ") + self.pick("f1 0 4096 10 1", "; a note" if self.dead else "; a note /* open", "", "t 0 60 # 1", "a > b < c",
-                                                         "f2 0 ~[1 + 2 * 3] 7")
+            text = ">" + self.pick("", " ") + self.pick(
+                "f1 0 4096 10 1", "; a note" if self.dead else "; a note /* open", "", "t 0 60 # 1", "a > b < c",
+                "f2 0 ~[1 + 2 * 3] 7", "f3 0 ~@1 ~@2 ~@3 ~@4", "\xe9t\xe9 \xff \x80\f.", self.list_call() or "f4")
         elif what <= 8:
             text = self.constant()
         elif what <= 10:
@@ -448,11 +576,41 @@ class Maker:
             tail = " " + self.tempo()
         return self.pick("", "", " ") + text + tail + "\n" + GAP
 
+    def long_line(self):
+        """A line of about so many characters as are read at once; where it is longer, blanks are left as a rule."""
+        rng = self.rng
+        length = self.length()
+        kind = rng.randrange(8)
+        if kind == 0:
+            text = " " * (length - 1)
+        elif kind <= 2:
+            text = self.pick("; ", "> f1 0 ", "; it's # ") + self.pick("x", "1 ", "}") * rng.randrange(500, 2000)
+            text = text[:min(length - 1, LINE)].ljust(length - 1)
+        elif kind <= 4:
+            text = "/*" + self.pick(" ", "x", "* ", ". ") * length
+            text = text[:length - 3] + "*/"
+        elif kind == 5:
+            text = self.pick("te(90)", "rs(7)", "rd( .1)", "#const long" + self.name() + " 7").rjust(length - 1)
+        else:
+            # a little more or less when expanded
+            grows = [text for text in ["$" + name for name, (count, gives) in self.macros.items() if count == 0] +
+                     ["~" + name for name in self.constants] if not self.dead]
+            text = "> " + "x" * max(0, length - 20 - rng.randrange(8)) + rng.choice(grows + ["~[1 + 1]", "~@1"])
+        return text + "\n" + GAP
+
+    def length(self):
+        """The length of a long line, its line feed included."""
+        return self.rng.choice([LINE - 1, LINE, LINE + 1, LINE + 2, self.rng.randrange(LINE - 90, LINE + 15), 2 * LINE,
+                                2 * LINE + 1, 5000])
+
     def section(self, inside):
         """A conditional section around what `inside` makes."""
         kind = self.rng.randrange(8)
         before = self.condition
-        if kind == 0:
+        special = self.special_condition() if self.chance(0.15) else None
+        if special:
+            text, value = special
+        elif kind == 0:
             text, value = "0", 0.0
         elif kind == 1:
             text, value = "0.0", 0.0
@@ -485,11 +643,31 @@ class Maker:
         self.dead = was_dead
         return text + self.pick("", "", "  ") + "#endif" + self.pick("", "", " ") + "\n" + GAP
 
+    def special_condition(self):
+        """A condition by a macro or by what has been played, and its value; or nothing."""
+        kind = self.rng.randrange(6)
+        numbers = [n for n, (count, gives) in self.macros.items() if count == 0 and isinstance(gives, float)]
+        if kind <= 1 and numbers and not self.dead:
+            name = self.rng.choice(numbers)
+            well = self.bodies[name][0] in "~0123456789"  # a sign or a point is no condition
+            return self.pick("", " ") + "$" + name + self.pick("", " ", "()", "( x )"), \
+                self.macros[name][1] if well else self.condition
+        if kind <= 3:
+            value = self.pick("0", "1", "0.25", "00", "3.")
+            text = self.call("the argument", value)
+            return (text + self.pick("", " "), float(value)) if text else None
+        if kind == 4:
+            return self.pick(("~[@2 + 1]", 1.0), ("~[@1 * 0]", 0.0)) if self.played else (self.run_value(), 0.0)
+        # not found, which is said but no error: the condition before it holds; so does it where a macro calls itself
+        return self.rng.choice(["$gone", "~gone", "$gone(1)"] + self.endless), self.condition
+
     # -- values
 
     def value(self, mode, low=None, high=None):
         """The text of one value in an input mode."""
         rng = self.rng
+        if mode == "re" and self.free and self.chance(0.004):
+            return self.run_value()
         if mode == "re":
             return self.number(0.1 if low is None else low, 9 if high is None else high)
         if mode == "in":
@@ -558,6 +736,9 @@ class Maker:
 
     def open(self, names, span):
         name = self.rng.choice(names)
+        if name == "EX" and self.chance(0.15):
+            # the other name of EX is a name only where the bracket stands on the same line
+            return self.case("dx") + self.here() + "(" + self.maybe() + span + self.sep()
         return self.case(name) + self.maybe() + "(" + self.maybe() + span + self.sep()
 
     def function(self, block, number, mode, low, high):
@@ -647,15 +828,18 @@ class Maker:
     def pfield(self, block, number):
         """One p-field: its specifier and its items, a line here and there between them."""
         rng = self.rng
-        kinds = KINDS if number >= 4 else ["", "", "", "(re)", "(re4)", "(re0)", "(RE7)"]
+        self.free = number >= 4
+        kinds = KINDS if number >= 4 else ["", "", "", "(re)", "(re%d)", "(RE%d)"]
         kind = rng.choice(kinds)
+        if "%" in kind:
+            kind %= rng.randrange(8)
         if kind.lower() == "(xx)":
             block["hidden"] += 1
         kind = kind.replace("(re 4)", "(re)")
         text = f"p{number}" + self.pick("", " ", "  ") + kind + self.pick(" ", " ", "\n", "\t")
         modes = ["re", "re", "in", "rh"] if number == 2 else ["re", "re", "in"] if number == 3 else \
             ["re", "re", "in", "db", "no", "nox", "op", "opx", "rh"]
-        if kind.lower() in ("(hz)", "(op)", "(od)", "(bn3)", "(bn)") and self.chance(0.7):
+        if kind.lower()[:3] in ("(hz", "(op", "(od", "(bn") and self.chance(0.7):
             modes = ["no", "nox", "op"]
         mode = rng.choice(modes)
         low, high = {2: (0.1, 1.5), 3: (0.1, 2)}.get(number, (-3 if self.chance(0.2) else 0.1, 9))
@@ -674,6 +858,8 @@ class Maker:
         first = self.early = True
         for _ in range(rng.choice([1, 1, 2, 2, 3, 4, 6])):
             kind = rng.randrange(20)
+            if mode == "re" and self.chance(0.04):
+                text += (self.list_call() or "") + " "
             item = ""
             if kind <= 6:
                 item = self.value(mode, low, high)
@@ -696,11 +882,14 @@ class Maker:
                 marked = True
                 item = self.pick(":", "'", ": ", " ' ") + self.value(mode, low, high)
             elif kind == 16:
-                item = self.pick(self.case("rd") + "(" + self.number(0, 0.5) + ")", self.case("dv") + "(.1)",
-                                 self.case("rs") + f"({rng.randrange(65536)})",
-                                 self.case("pf") + "(" + self.pick("2", ".5", "-1", "1", "0") + ")" if number > 2 else "")
+                item = self.chance(0.2) and self.call("settings") or self.pick(
+                    self.case("rd") + "(" + self.number(0, 0.5) + ")", self.case("dv") + "(.1)",
+                    self.case("rs") + f"({rng.randrange(65536)})",
+                    self.case("pf") + "(" + self.pick("2", ".5", "-1", "1", "0") + ")" if number > 2 else "")
                 text += item + self.pick(" ", "\n" + GAP)
                 item = self.value(mode, low, high)
+            elif kind == 17 and self.endless and not self.dead and self.chance(0.3):
+                item = rng.choice(self.endless)
             elif kind == 17 and mode == "re":
                 item = self.call("numbers") or self.call("number list of one", self.plain(1, 2)) or \
                     ("" if looping else self.call("loop of one", self.plain(1, 2))) or ""
@@ -725,62 +914,194 @@ class Maker:
                     text += GAP
             else:
                 text += self.pick(" ", " ", " ", "  ", "\n", "\n" + GAP, "\t", " , " if mode == "rh" else ", ")
-            if self.chance(0.02):
+            if self.chance(0.001):
+                item = self.value(mode, low, high)
+                text = text.rstrip(" \t,") + "\n" + item.rjust(self.length() - 1) + "\n"
+            if self.chance(0.02) and not self.plainly:
                 text = text.rstrip(" \t,") + "\n" + GAP + self.section(lambda: self.value(mode, low, high) + "\n" + GAP)
         if first:
             text += self.value(mode, low, high)
         return text.rstrip(GAP) + self.pick(" ", "\n", "\n", "\n")
 
     def block(self):
+        definitions, text = self.block_parts()
+        return definitions + text
+
+    def block_parts(self, start=None):
+        """A block, and the definitions of macros that stand before it for parts of it."""
         rng = self.rng
         if not self.dead:
             self.instrument += 1
         number = self.instrument + (90 if self.dead else 0)
         fields = rng.choice([3, 4, 5, 5, 6, 7, 9])
+        if self.chance(0.02):
+            fields = rng.choice([10, 12, 14, 20, 50, 51, 64, 128])
         events = self.chance(0.45)
         size = rng.randrange(1, 40) if events else rng.uniform(0.5, 12)
-        block = {"events": events, "size": size, "given": [], "hidden": 0}
-        sign = ""
         if self.chance(0.03):
-            sign = "-"
-        text = self.pick("", "", "  ") + "i" + self.pick("", "", " ", "\n") + sign + str(number) + self.maybe() + "=" + \
-            self.maybe() + str(fields) + self.sep() + self.pick("0", "0", self.number(0, 6)) + self.sep()
+            size *= rng.choice([5, 5, 20, 50])
+        block = {"events": events, "size": size, "given": [], "hidden": 0}
+        definitions = []
+
+        def perhaps_called(text):
+            """A number of the header, rarely by a macro."""
+            if self.dead or self.plainly or self.chance(0.95):
+                return text
+            call = self.call("the argument", text)
+            if call and self.chance(0.5):
+                return call
+            statement, call = self.made_macro(text, float(text))
+            definitions.append(statement)
+            return call
+
+        sign = "-" if self.chance(0.03) else ""
+        text = self.pick("", "", "  ") + "i" + self.pick("", "", " ", "\n") + perhaps_called(sign + str(number))
+        if sign and self.chance(0.3):
+            return "".join(definitions), text + self.nothing()
+        text += self.maybe() + "=" + self.maybe() + perhaps_called(str(fields)) + self.sep()
+        text += (start or self.start()) + self.sep()
         if self.chance(0.1):
             text += self.sep()
         text += "-" + str(size) if events else self.number(size, size + 0.5)
-        text += self.pick(" ", "", "\n", self.sep()) + "{" + self.pick(" ", "\n", "\n", "\n" + GAP, " ; opens\n")
+        text += self.pick(" ", "", "\n", self.sep()) + "{" + \
+            self.pick(" ", "\n", "\n", "\n" + GAP, " " if self.plainly else " ; opens\n")
         if self.chance(0.15):
-            text += self.pick("", "  ") + self.pick("rs(%d)" % rng.randrange(65536), "rd(.1)", "RS(3) rd(0)") + "\n"
+            text += self.pick("", "  ") + (self.chance(0.4) and self.call("settings") or
+                                           self.pick("rs(%d)" % rng.randrange(65536), "rd(.1)", "RS(3) rd(0)")) + "\n"
         order = list(range(3, fields + 1))
         if self.chance(0.3):
             rng.shuffle(order)
         for p in [2] + order:
             if text.endswith("\n") and self.chance(0.6):
                 text += GAP + self.pick("", "  ", "\t")
-            text += self.pfield(block, p)
+            if not self.plainly and self.chance(0.02):
+                text = text.rstrip(" \t" + GAP)
+                text += ("" if text.endswith("\n") else "\n") + GAP
+                dropped = []
+
+                def whole_field():
+                    dropped.append(self.dead)
+                    field = self.pfield(dict(block) if self.dead else block, p)
+                    return field.rstrip(" " + GAP) + "\n" + GAP
+
+                text += self.section(whole_field)
+                if not dropped[0] or self.dead:
+                    block["given"].append(p)
+                    continue
+            if fields > 20 and self.chance(0.9):
+                plain = p == 2 or self.chance(0.7)
+                text += f"p{p} " + (self.number(0.1, 1.5) if plain else self.function(block, p, "re", 1, 9))
+            elif not self.plainly and not self.dead and self.chance(0.02):
+                self.plainly = True
+                statement, call = self.made_macro(self.pfield(block, p), "a p-field")
+                self.plainly = False
+                definitions.append(statement)
+                text += call
+            else:
+                text += self.pfield(block, p)
             if not text.endswith(("\n", " ")):
                 text += " "
             block["given"].append(p)
         if not self.dead and not sign:
             self.blocks[number] = (fields, block["hidden"])
-        return text + "}" + self.pick("", "", "", " ignored i9 = te(", " ; done", "  ") + "\n" + GAP
+        self.played = self.played or not self.dead
+        return "".join(definitions), text + "}" + \
+            self.pick("", "", "", " ignored i9 = te(", "" if self.plainly else " ; done", "  ") + "\n" + GAP
+
+    def start(self):
+        """The start of a block in seconds."""
+        if self.chance(0.94):
+            return self.pick("0", "0", self.number(0, 6))
+        if self.chance(0.5):
+            return self.pick("240", "240.5", "241", "600.25", "3600", "9999.5", "86400", "1000000")
+        return self.pick("~@1", "~@2", "~@2", "~@3", "~@4", "~[@2 + 1]")
+
+    def nothing(self):
+        """What is passed over behind a negative instrument number."""
+        text = self.pick("", " =", "= 5 0 4 {")
+        text += self.pick(" p2 RA(T", " 'x' [", "\n te(q)\np1", " { /* } */ ; }\n", "\xe9")
+        return text + self.pick(" }", "\n}", "\n} ignored") + "\n" + GAP
+
+    def block_macro(self):
+        """A block that is a macro's body, sometimes called again."""
+        self.plainly, given = True, self.chance(0.3)
+        definitions, text = self.block_parts("$at" if given else None)
+        self.plainly = False
+        name = self.name()
+        body = text.replace(GAP, "").rstrip("\n")
+        if len(body) > LINE - 50:
+            # no line would hold it
+            return definitions + text.replace("$at", "0")
+        if self.chance(0.1):
+            body += self.pick("\n te(90)", "\nrd(0)", "\n?\n")
+            self.no_feedback = "what a macro's body holds on the lines behind a block is not read"
+        text = definitions + self.definition(name, ["at"] if given else [], body, "a block") + "\n" + GAP
+        for _ in range(self.pick(1, 1, 2)):
+            text += self.pick("", "", "  ") + "$" + name + ("(" + self.start() + ")" if given else "") + \
+                self.pick("", "", " ; and on", " ") + "\n" + GAP
+        return text
+
+    def large_block(self):
+        """A block with about as many events as a chunk of the event list holds, made of what is worked out quickly."""
+        self.instrument += 1
+        fields = self.pick(3, 4, 4, 5)
+        count = CHUNK + self.pick(-1, 0, 1, 1, 2, 100) if self.chance(0.9) else 2 * CHUNK + self.pick(-1, 0, 1)
+        in_beats = self.chance(0.3)
+        size = str(count * 0.25) if in_beats else f"-{count}"
+        text = f"i{self.instrument} = {fields} 0 {size} {{\n" + GAP
+        text += "p2 " + (".25" if in_beats else self.pick("1", ".5", "RA(T 1 .5)", "< 1 : .5 2 >")) + "\n" + GAP
+        text += "p3 " + self.pick(".5", "1", "RA(T 1 [.5 1])", "< 1 1 -1 1 >", "1 : .5") + "\n" + GAP
+        if fields > 3:
+            groups = f"S2(-{count - 3} 1 [1:2 3])"
+            text += "p4 " + self.pick("1", "RA(T 1 [1 9])", "< 1 : 2 3 4 5 >", groups) + "\n" + GAP
+        if fields > 4:
+            text += "p5(in) " + self.pick("60", "EX(T 1 [p3 * 2])", "z : 61") + "\n" + GAP
+        self.blocks[self.instrument] = (fields, 0)
+        self.played = True
+        return text + "}\n" + GAP
 
     def piece(self):
         parts = [self.pick("", "", "; a piece\n", "\n") + GAP]
         for _ in range(self.rng.randrange(5)):
             parts.append(self.statement() if self.chance(0.9) else self.section(self.statement))
+        if self.chance(0.002):
+            parts.append(self.large_block())
         for _ in range(self.rng.choice([1, 1, 1, 2, 2, 3])):
-            parts.append(self.block() if self.chance(0.92) else self.section(self.block))
+            parts.append(self.whole_block())
             for _ in range(self.rng.choice([0, 0, 1, 1, 2, 4])):
                 parts.append(self.statement() if self.chance(0.85) else
                              self.section(lambda: self.statement() + self.section(self.statement) + self.statement()))
+            if self.chance(0.04):
+                # once more what stood there before
+                said = [part for part in parts if not re.search("#d|#c|#u", part) and part.strip(GAP + "\n")]
+                parts += said[-1:] * self.pick(1, 1, 2)
         return "".join(parts)
+
+    def whole_block(self):
+        if self.chance(0.03):
+            return self.block_macro()
+        return self.block() if self.chance(0.92) else self.section(self.block)
+
+
+def strange(marked, rng):
+    """Put in what an editor seldom does: zero bytes, behind which a line is not read, and other blanks than usual."""
+    if rng.random() < 0.04:
+        ends = [m.start() for m in re.finditer("\n" + GAP, marked)]
+        for at in sorted(rng.sample(ends, min(len(ends), rng.choice([1, 1, 2, 5]))), reverse=True):
+            rest = rng.choice(["", "", "junk", "9 } {", "\0\0", " te(", "; x", "\xff\xfe"])
+            marked = marked[:at] + "\0" + rest + marked[at:]
+    if rng.random() < 0.06:
+        # in an equation they are not blanks
+        blanks = [m.start() for m in re.finditer(" ", re.sub(r"~\[[^\]]*\]", lambda m: "~" * len(m[0]), marked))]
+        for at in rng.sample(blanks, min(len(blanks), rng.choice([1, 2, 5]))):
+            marked = marked[:at] + rng.choice("\f\v\xff") + marked[at + 1:]
+    return marked
 
 
 def generate(seed):
     rng = random.Random(seed)
     maker = Maker(rng)
-    marked = maker.piece()
+    marked = strange(maker.piece(), rng)
     if rng.random() < 0.1:
         # the last line without its end
         marked = marked.rstrip(GAP).rstrip("\n")

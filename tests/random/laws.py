@@ -18,6 +18,8 @@ The laws, each with its name in the report:
   summary    the figures of the summary are those of the score
   midi       the MIDI file has the chunks it announces, and its notes end as often as they begin
 
+The laws twice, line and includes are looked at under -m too, each for one piece in five.
+
 A failing piece is kept in a folder of its own, with a note that names the law and the seed that makes it. The last
 line is 'N passed, N failed', counting pieces; the status is 1 when one failed.
 """
@@ -42,6 +44,7 @@ sys.path.insert(0, str(HERE))
 import generate  # noqa: E402
 
 SLOW = 1.0  # seconds of the processor, so that other work on the machine does not count
+PER_EVENT = 2e-6  # more seconds for each event
 TIME_LIMIT = 60  # seconds by the clock
 NUMBER = r"[ ]*(-?[\d.]+|-?inf|-?nan)"
 
@@ -108,11 +111,12 @@ class Checker:
             finally:
                 signal.setitimer(signal.ITIMER_REAL, 0)
             seconds = usage.ru_utime + usage.ru_stime
-            if seconds < SLOW:
+            result = Result(os.waitstatus_to_exitcode(status), *(take(name) for name in FILES))
+            events = sum(int(count) for count in re.findall(rb"\n(\d+) events generated", result.stderr))
+            if seconds < SLOW + PER_EVENT * events:
                 break
         else:
-            raise Broken(f"status: {seconds:.1f} seconds with {options}")
-        result = Result(os.waitstatus_to_exitcode(status), *(take(name) for name in FILES))
+            raise Broken(f"status: {seconds:.1f} seconds for {events} events with {options}")
         if result.status not in (0, 1):
             raise Broken(f"status: {result.status} with {options}: {result.stderr[-200:]!r}")
         return result
@@ -152,12 +156,27 @@ class Checker:
             self.check_line(piece, whole, rng)
         if plain.status == 0:
             self.check_score(piece, plain)
-        midi = self.run(piece.files, "-m", "-l", "run.log")
+        self.check_under_midi(piece, rng)
+
+    def check_under_midi(self, piece, rng):
+        options = "-m", "-l", "run.log"
+        midi = self.run(piece.files, *options)
         self.check_log(midi)
+        if rng.random() < 0.2:
+            self.same("twice", midi, self.run(piece.files, *options), "status stdout output stderr log")
         if rng.random() < 0.3:
-            self.check_silent(midi, self.run(piece.files, "-m", "-s", "-l", "run.log"))
+            self.check_silent(midi, self.run(piece.files, "-s", *options))
         if midi.output:
             self.check_midi(midi)
+        whole = midi if len(piece.files) == 1 else None
+        if rng.random() < 0.2:
+            if whole is None:
+                whole = self.run({"piece.txt": piece.text}, *options)
+                self.check_includes(whole, midi)
+            elif not piece.broken and "#inc" not in piece.text:
+                self.check_includes(whole, self.run(generate.split_into_includes(piece.text, rng), *options))
+        if piece.gaps and rng.random() < 0.2:
+            self.check_line(piece, whole or self.run({"piece.txt": piece.text}, *options), rng, *options)
 
     def check_log(self, result):
         """The log begins with the banner, like standard error, and ends where the run closes it: the line feed that
@@ -184,9 +203,11 @@ class Checker:
         - where a macro's body holds a line comment: in the piece it hides the rest of the line, in the file only the
           rest of the body's line;
         - to lines of 4000 characters and more, which the reader splits at other places;
-        - to text on the line of an #if or #endif, which is read but not written, and to "#i" elsewhere (the include
+        - to text on the line of an #if or #endif, which is read but not written, and to "#in" elsewhere (the include
           pass would look at it anew);
-        - to a "$" that stayed in the line because the line began with the call that left it.
+        - to a "$" that stayed in the line because the line began with the call that left it;
+        - where a macro's body goes on behind the end of a block: in the piece that is the rest of the block's last line,
+          which is not read, in the file it is lines of its own.
         Trailing blanks of the lines taken literally into the score may differ: a line's end becomes a blank each time."""
         if plain.status or piece.no_feedback:
             return
@@ -195,7 +216,7 @@ class Checker:
             return
         if piece.broken or re.search(r"#if\([^)\n]*\)[^\n]*\S|#endif[ \t\r]*[^\s]", text):
             return
-        if b"#i" in plain.expansion or re.search(r"(?m)^\$", text):
+        if b"#in" in plain.expansion or re.search(rb"(?m)^\$", plain.expansion):
             return
         fed = self.run({"piece.txt": plain.expansion.decode("latin-1")}, "-s")
         strip = lambda data: re.sub(rb"[ \r]+\n", b"\n", data)
@@ -208,12 +229,12 @@ class Checker:
         parts.stderr = opened.sub(b"", parts.stderr)
         self.same("includes", whole, parts)
 
-    def check_line(self, piece, whole, rng):
+    def check_line(self, piece, whole, rng, *options):
         text = piece.text
         for gap in sorted(rng.sample(piece.gaps, min(len(piece.gaps), rng.choice([1, 2, 5]))), reverse=True):
             line = rng.choice(["\n", "; put in\n", "   \n", "\t; it's new: $no ~no p2 }\n", "/* put in */\n", "\r\n"])
             text = text[:gap] + line + text[gap:]
-        longer = self.run({"piece.txt": text})
+        longer = self.run({"piece.txt": text}, *options)
         for result in (whole, longer):
             result.stderr = re.sub(rb"([Ll]ine) \d+", rb"\1 N", result.stderr)
         self.same("line", whole, longer)
