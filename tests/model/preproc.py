@@ -343,6 +343,8 @@ def constant_text(value):
 def evaluate(run, text):
     """The value of the equation at the "[", the position left on the "]"."""
     text.pos += 1
+    while not text.at_end() and text.ch() in lex.SPACES:
+        text.pos += 1
     values, operators, after_operator = [], [], False
 
     def keep(where, item):
