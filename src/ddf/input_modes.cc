@@ -13,8 +13,7 @@
 
 namespace {
 
-constexpr double kDecibelExponent = 0.11512925;  // ln(10) / 20
-constexpr float kLoudest = 96.0F;                // decibels
+constexpr float kLoudest = 96.0F;  // decibels
 constexpr int kHighestOctave = 9;
 constexpr float kRest = -1.0F;
 constexpr float kOctave = 12.0F;  // semitones

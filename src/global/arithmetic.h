@@ -3,6 +3,9 @@
 
 #include <cstdint>
 
+// An amplitude is e to the power of its decibels times this, ln(10) / 20.
+inline constexpr double kDecibelExponent = 0.11512925;
+
 // The nearest integer, exact halves going up: 2.5 gives 3, -2.5 gives -2.
 double roundHalfUp(double value);
 float roundHalfUp(float value);

@@ -11,8 +11,7 @@
 
 namespace {
 
-constexpr double kLowestC = 16.35159783;         // Hz
-constexpr double kDecibelExponent = 0.11512925;  // ln(10) / 20
+constexpr double kLowestC = 16.35159783;  // Hz
 constexpr double kSemitoneRatio = 1.059463094359;
 constexpr float kSemitones = 12.0F;  // of an octave
 constexpr float kFftSizes[] = {256.0F,  512.0F,  1024.0F,  2048.0F,
