@@ -82,11 +82,18 @@ bool isSameFile(const char *name, std::FILE *file) {
   return stat(name, &named) == 0 && fstat(fileno(file), &opened) == 0 && isSame(named, opened);
 }
 
-bool isSamePlainFile(std::FILE *a, std::FILE *b) {
-  struct stat first;
-  struct stat second;
-  return a != nullptr && b != nullptr && fstat(fileno(a), &first) == 0 &&
-         fstat(fileno(b), &second) == 0 && S_ISREG(first.st_mode) && isSame(first, second);
+bool isOpenIn(std::FILE *file, std::initializer_list<std::FILE *> others) {
+  struct stat status;
+  if (file == nullptr || fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return false;
+  }
+  for (std::FILE *other : others) {
+    struct stat opened;
+    if (other != nullptr && fstat(fileno(other), &opened) == 0 && isSame(status, opened)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 std::FILE *openTemporary() { return std::tmpfile(); }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 
 // Gives every standard stream that the caller has closed an empty file, so that no file opened
 // later takes its place and receives the messages.
@@ -30,9 +31,9 @@ void abandonFile(std::FILE *file);
 // Whether the file called `name` is the one that `file` has opened, by whatever name or link.
 bool isSameFile(const char *name, std::FILE *file);
 
-// Whether both are open on the same plain file. Two streams may share a terminal or the null
-// device; either may be null.
-bool isSamePlainFile(std::FILE *a, std::FILE *b);
+// Whether the file is a plain one that one of the others has opened, too. Two streams may share a
+// terminal or the null device; any of them may be null.
+bool isOpenIn(std::FILE *file, std::initializer_list<std::FILE *> others);
 
 // A temporary file for writing and reading that has no name: nobody else can open it, and it is
 // gone when the program is, however that ends. Null when it cannot be made.

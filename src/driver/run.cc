@@ -38,14 +38,15 @@ bool cannotOpen(const char *name) {
 // Opens a file to be written, which must not be one that the run has opened already.
 bool openWritten(const RunState &run, const Files &files, const char *name, std::FILE *&file) {
   std::FILE *opened = openForWriting(name);
-  for (std::FILE *other : {files.input, run.output.file, run.expansion.file}) {
-    if (isSamePlainFile(opened, other)) {
-      std::fclose(opened);
-      opened = nullptr;
-    }
+  if (opened == nullptr) {
+    return cannotOpen(name);
+  }
+  if (isOpenIn(opened, {files.input, run.output.file, run.expansion.file})) {
+    std::fclose(opened);
+    return cannotOpen(name);
   }
   file = opened;
-  return file != nullptr || cannotOpen(name);
+  return true;
 }
 
 // Opens all files in their fixed order; the first that cannot be opened ends the run at once. A

@@ -68,25 +68,19 @@ ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   return kOk;
 }
 
-// Whether the file is one that the run writes. What it will write there is no text of the composer,
-// and what stands there now may be the only copy of one; so a log that is such a file gets nothing.
-bool isWritten(Pass &pass, std::FILE *file) {
-  if (isSamePlainFile(file, pass.run.screen.log.file)) {
-    abandonFile(pass.run.screen.log.file);
-    return true;
-  }
-  return isSamePlainFile(file, pass.run.output.file) ||
-         isSamePlainFile(file, pass.run.expansion.file) || isSamePlainFile(file, pass.copy);
-}
-
-// Opens the file, or gives null.
-std::FILE *openPart(Pass &pass, const char *name, std::int64_t &size) {
+// Opens the file, or gives null. A file that the run writes is none to be included: what stands in
+// it may be the only copy of the composer's text. So a log that is such a file gets nothing.
+std::FILE *openPart(const Pass &pass, const char *name, std::int64_t &size) {
   std::FILE *file = openIncluded(name, size);
-  if (file != nullptr && isWritten(pass, file)) {
-    std::fclose(file);
-    return nullptr;
+  std::FILE *log = pass.run.screen.log.file;
+  if (!isOpenIn(file, {log, pass.run.output.file, pass.run.expansion.file, pass.copy})) {
+    return file;
   }
-  return file;
+  if (isOpenIn(file, {log})) {
+    abandonFile(log);
+  }
+  std::fclose(file);
+  return nullptr;
 }
 
 ErrorCode includeFile(Pass &pass, Level &level) {

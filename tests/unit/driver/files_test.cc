@@ -93,7 +93,7 @@ TEST(Files, AFileIsTheSameByAnyName) {
   for (const char *other : {"in", "./in", "hard", "soft"}) {
     EXPECT_TRUE(isSameFile((folder / other).c_str(), input)) << other;
     std::FILE *file = openForWriting((folder / other).c_str());
-    EXPECT_TRUE(isSamePlainFile(file, input)) << other;
+    EXPECT_TRUE(isOpenIn(file, {nullptr, input})) << other;
     std::fclose(file);
   }
   for (const char *other : {"copy", "missing"}) {
@@ -105,9 +105,9 @@ TEST(Files, AFileIsTheSameByAnyName) {
 TEST(Files, TwoStreamsMayShareADeviceAndNothingIsLikeNoFile) {
   std::FILE *a = openForWriting("/dev/null");
   std::FILE *b = openForWriting("/dev/null");
-  EXPECT_FALSE(isSamePlainFile(a, b));
-  EXPECT_FALSE(isSamePlainFile(a, nullptr));
-  EXPECT_FALSE(isSamePlainFile(nullptr, nullptr));
+  EXPECT_FALSE(isOpenIn(a, {b}));
+  EXPECT_FALSE(isOpenIn(a, {nullptr}));
+  EXPECT_FALSE(isOpenIn(nullptr, {nullptr}));
   std::fclose(a);
   std::fclose(b);
 }
