@@ -160,11 +160,15 @@ ErrorCode gatherBody(RunState &run, SourceReader &source, Definition &definition
   while (comment != kNoComment || current(source) != '#') {
     ErrorCode error = kOk;
     if (current(source) == '\0') {
-      bool atTheEnd = std::feof(source.input) != 0;
-      error =
-          atTheEnd ? kMissingMacroBodyEnd : appendToBody(run, source, definition, begin, "\n", 1);
-      if (error == kOk && !refill(run, source, error)) {
-        return error > 0 ? error : kMissingMacroBodyEnd;
+      if (std::feof(source.input) != 0) {
+        return kMissingMacroBodyEnd;
+      }
+      error = appendToBody(run, source, definition, begin, "\n", 1);
+      if (error == kOk) {
+        error = read_line(run, source);
+      }
+      if (error == kEndOfInput) {
+        return kMissingMacroBodyEnd;
       }
       comment = comment == kLineComment ? kNoComment : comment;
     } else {
