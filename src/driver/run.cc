@@ -99,28 +99,13 @@ void sayBanner(RunState &run) {
   }
 }
 
-// What stood in the files that are written goes once the whole input has been read, not before: an
-// include may turn out to be one of them. After a failure the old score stays.
-bool emptyWrittenFiles(RunState &run, bool failed) {
-  if (!emptyFile(run.screen.log.file)) {
-    return cannotWrite(run.options.logName);
-  }
-  if (failed) {
-    return true;
-  }
-  if (!emptyFile(run.output.file)) {
-    return cannotWrite(run.options.outputName);
-  }
-  return emptyFile(run.expansion.file) || cannotWrite(run.options.expansionName);
-}
-
 // Copies the input with its includes into the temporary file and goes on reading from there.
 ErrorCode readIncludes(RunState &run, SourceReader &source, Files &files) {
   int counter = 0;
   ErrorCode error = include_pass(run, files.input, files.temporary, counter);
   std::fclose(files.input);
   files.input = nullptr;
-  if (!emptyWrittenFiles(run, error > 0) || error > 0) {
+  if (error > 0) {
     return kAlreadyReported;
   }
   bool complete = std::fflush(files.temporary) == 0 && std::ferror(files.temporary) == 0;
@@ -173,12 +158,13 @@ ErrorCode runBlocks(RunState &run, SourceReader &source, bool &toTheEnd) {
   return error;
 }
 
-bool closeWritten(const char *name, OutputBuffer &buffer) {
-  return closeOutput(buffer) || cannotWrite(name);
+bool closeWritten(const char *name, OutputBuffer &buffer, bool endedWell) {
+  return closeOutput(buffer, endedWell) || cannotWrite(name);
 }
 
-// Frees and closes everything. False when something written has not reached its file.
-bool cleanUp(RunState &run, Files &files) {
+// Frees and closes everything. False when something written has not reached its file; a log, which
+// only repeats what the screen says, is passed over.
+bool cleanUp(RunState &run, Files &files, bool endedWell) {
   releaseEvents(run.events);
   freeLoop(run.pfield);
   freeSegments(run.segments);
@@ -186,9 +172,10 @@ bool cleanUp(RunState &run, Files &files) {
   freeConstants(run.constants);
   flushScreen(run.screen);
   std::fclose(files.temporary);
-  bool complete = closeWritten(run.options.outputName, run.output);
-  complete = closeWritten(run.options.expansionName, run.expansion) && complete;
-  return closeWritten(run.options.logName, run.screen.log) && complete;
+  bool complete = closeWritten(run.options.outputName, run.output, endedWell);
+  complete = closeWritten(run.options.expansionName, run.expansion, endedWell) && complete;
+  closeOutput(run.screen.log, endedWell);
+  return complete;
 }
 
 ErrorCode runPiece(RunState &run, SourceReader &source, Files &files) {
@@ -222,7 +209,7 @@ int runWith(RunState &run, SourceReader &source) {
   if (error > 0) {
     reportError(run, source, error);
   }
-  if (!cleanUp(run, files) || error > 0) {
+  if (!cleanUp(run, files, error <= 0) || error > 0) {
     return kFailure;
   }
   say(run.screen, "\n");

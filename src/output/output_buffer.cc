@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "driver/files.h"
+
 char *room(OutputBuffer &buffer, std::size_t length) {
   if (sizeof buffer.bytes - buffer.used < length) {
     flushOutput(buffer);
@@ -20,18 +22,37 @@ void append(OutputBuffer &buffer, const char *bytes, std::size_t length) {
   taken(buffer, place + length);
 }
 
+namespace {
+
+// Cuts the older text away. A file that cannot be cut is one that cannot be written.
+void beginFile(OutputBuffer &buffer) {
+  if (!buffer.begun) {
+    buffer.begun = true;
+    buffer.failed = !emptyFile(buffer.file);
+  }
+}
+
+}  // namespace
+
 void flushOutput(OutputBuffer &buffer) {
-  if (std::fwrite(buffer.bytes, 1, buffer.used, buffer.file) != buffer.used) {
+  if (buffer.used == 0) {
+    return;
+  }
+  beginFile(buffer);
+  if (!buffer.failed && std::fwrite(buffer.bytes, 1, buffer.used, buffer.file) != buffer.used) {
     buffer.failed = true;
   }
   buffer.used = 0;
 }
 
-bool closeOutput(OutputBuffer &buffer) {
+bool closeOutput(OutputBuffer &buffer, bool endedWell) {
   if (buffer.file == nullptr) {
     return true;
   }
   flushOutput(buffer);
+  if (endedWell) {
+    beginFile(buffer);
+  }
   bool closed = std::fclose(buffer.file) == 0;
   buffer.file = nullptr;
   return closed && !buffer.failed;

@@ -39,15 +39,22 @@ class CannotWrite(support.FaultTest):
             self.expect_told(self.run_korvo("piece.txt", "/dev/full"), "/dev/full")
             self.expect_told(self.run_korvo("-m", "piece.txt", "/dev/full"), "/dev/full")
             self.expect_told(self.run_korvo("-x/dev/full", "piece.txt", "a.sco"), "/dev/full")
-            self.expect_told(self.run_korvo("-l/dev/full", "piece.txt", "a.sco"), "/dev/full")
 
     def test_full_disk_for_everything(self):
         result = self.run_korvo("-l/dev/full", "-x/dev/./full", "piece.txt", "/dev/.//full")
-        self.expect_told(result, "/dev/full", "/dev/./full", "/dev/.//full")
+        self.expect_told(result, "/dev/./full", "/dev/.//full")
+        self.assertNotIn(cannot_write("/dev/full"), result.stderr)
 
-    def test_full_log_leaves_the_score_right(self):
-        self.run_korvo("-l", "/dev/full", "piece.txt", "a.sco")
-        self.assertEqual(self.read("a.sco"), SCORE)
+    def test_full_log_is_passed_over(self):
+        """A log repeats what the screen says: that it cannot be written is not told and changes no status."""
+        for piece, status in ((PIECE, 0), (b"> kept\n}\n", 1), (many_events(20000), 0)):
+            self.write("piece.txt", piece)
+            plain = self.run_korvo("piece.txt", "a.sco")
+            score = self.read("a.sco")
+            result = self.run_korvo("-l", "/dev/full", "piece.txt", "a.sco")
+            self.assertEqual((plain.returncode, result.returncode), (status, status))
+            self.assertEqual(result.stderr.replace(b'Log \t= "/dev/full"\n', b""), plain.stderr)
+            self.assertEqual(self.read("a.sco"), score)
 
     def test_closed_pipe_as_output(self):
         for size in (1, 100, 20000):
@@ -263,6 +270,58 @@ class InputIsOutput(support.FaultTest):
             self.assertEqual((result.returncode, result.stderr),
                              (1, b"\nERROR: You can't use a filename multiple times!\n\n"))
             self.assertEqual(self.read("piece.txt"), PIECE)
+
+
+class OlderText(support.FaultTest):
+    """What stood in a file that is written stays until the first new byte goes into it, or the run has ended well."""
+
+    def setUp(self):
+        super().setUp()
+        self.write("old", b"older text, longer than what replaces it: " + b"x" * 1000)
+        self.old = self.read("old")
+
+    def expect(self, status, content, *arguments):
+        self.write("old", self.old)
+        self.assertEqual(self.run_korvo(*arguments).returncode, status)
+        self.assertEqual(self.read("old"), content)
+
+    def test_names_swapped(self):
+        """The score is named as the piece and the piece as the output."""
+        self.write("piece.sco", SCORE)
+        for options in ([], ["-s"], ["-m"], ["-x", "a.exp"]):
+            self.assertEqual(self.run_korvo(*options, "piece.sco", "piece.txt").returncode, 1)
+            self.assertEqual(self.read("piece.txt"), PIECE)
+
+    def test_kept_by_a_run_that_writes_nothing(self):
+        for piece in (b"}\n", b"i1 = 3 0 4 {\n p2 1\n}\n", b"#include |gone|\n", b"te(0)\n", PIECE[:-2]):
+            self.write("bad.txt", piece)
+            self.expect(1, self.old, "bad.txt", "old")
+            self.expect(1, self.old, "-m", "bad.txt", "old")
+        self.write("bad.txt", b"$gone\n")
+        self.expect(1, self.old, "-x", "old", "bad.txt", "a.sco")
+
+    def test_a_new_file_is_made_and_stays_empty(self):
+        self.write("bad.txt", b"$gone\n")
+        self.assertEqual(self.run_korvo("-x", "a.exp", "bad.txt", "a.sco").returncode, 1)
+        self.assertEqual((self.read("a.sco"), self.read("a.exp")), (b"", b""))
+
+    def test_replaced_by_what_was_written_before_the_error(self):
+        self.write("bad.txt", b"> kept\n}\n")
+        self.expect(1, b"\n kept ", "bad.txt", "old")
+        self.expect(1, b"> kept \n} \n", "-x", "old", "bad.txt", "a.sco")
+
+    def test_replaced_by_a_run_that_ends_well(self):
+        self.write("empty.txt", b"")
+        self.expect(0, SCORE, "piece.txt", "old")
+        self.expect(0, b"\ne\n", "empty.txt", "old")
+        self.expect(0, b"", "-m", "empty.txt", "old")
+        self.expect(0, b"", "-x", "old", "empty.txt", "a.sco")
+
+    def test_a_log_always_has_its_banner(self):
+        self.write("bad.txt", b"#include |gone|\n")
+        self.write("old", self.old)
+        result = self.run_korvo("-l", "old", "bad.txt", "a.sco")
+        self.assertEqual((result.returncode, self.read("old")), (1, result.stderr))
 
 
 class WrittenTwice(support.FaultTest):

@@ -111,7 +111,7 @@ def read_file(name):
 
 
 class OutFile:
-    """A file that is written when it is closed."""
+    """A file that is written when it is closed. An older text stays when a failed run has written nothing."""
 
     def __init__(self, name, input_name):
         self.name, self.text = name, []
@@ -119,17 +119,19 @@ class OutFile:
             if os.path.exists(as_path(name)) and os.path.samefile(as_path(name),
                                                                   as_path(input_name)):
                 raise OSError
-            self._file = open(as_path(name), 'wb', buffering=0)
+            self._file = open(os.open(as_path(name), os.O_WRONLY | os.O_CREAT, 0o666), 'wb', buffering=0)
         except (OSError, ValueError):
             raise Stop('\nERROR: Can\'t open "%s".\n\n' % name) from None
 
     def write(self, text):
         self.text.append(text)
 
-    def close(self):
+    def close(self, ended_well):
         """False when it could not be written completely."""
         data = ''.join(self.text).encode('latin-1')
         try:
+            if (data or ended_well) and os.path.isfile(as_path(self.name)):
+                self._file.truncate(0)
             done = 0
             while done < len(data):
                 done += self._file.write(data[done:])
@@ -190,15 +192,15 @@ class Run:
             text += 'MExp\t= "%s"\n' % o.expansion
         self.screen.write(text)
 
-    def close_files(self):
+    def close_files(self, ended_well=False):
         """False when an output is incomplete."""
         complete = True
         for out in (self.output, self.expansion):
-            if out is not None and not out.close():
+            if out is not None and not out.close(ended_well):
                 self.screen.err.append('\nERROR: Can\'t write "%s".\n\n' % out.name)
                 complete = False
         if self._log_file is not None:
-            self._log_file.close()
+            self._log_file.close(ended_well)
             self.screen.log = None
         return complete
 
@@ -221,7 +223,7 @@ class Run:
             self.screen.error(failure.code)
             self.close_files()
             return 1
-        complete = self.close_files()
+        complete = self.close_files(ended_well=True)
         self.screen.show('\n')
         return 0 if complete else 1
 

@@ -58,7 +58,7 @@ std::string literal(const char *line, bool midi) {
   piece.source.position = 1;
   EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kLiteralLine), kOk);
   EXPECT_EQ(piece.rest(), "");
-  closeOutput(piece.run.output);
+  closeOutput(piece.run.output, true);
   output.wasClosed();
   return output.text();
 }

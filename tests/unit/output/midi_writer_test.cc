@@ -61,7 +61,7 @@ TEST(MidiWriter, VariableLengthQuantities) {
     auto output = std::make_unique<OutputBuffer>();
     output->file = file.file();
     writeVariableLength(*output, row.quantity);
-    closeOutput(*output);
+    closeOutput(*output, true);
     file.wasClosed();
     EXPECT_EQ(hex(file.text()), row.bytes) << row.quantity;
     EXPECT_EQ(variableLength(row.quantity), static_cast<int>(file.text().size())) << row.quantity;
@@ -91,7 +91,7 @@ Written write(const std::vector<Event> &events, int parameters = 2) {
   if (written.something) {
     MidiWriter(run, byteCount);
   }
-  closeOutput(run.output);
+  closeOutput(run.output, true);
   output.wasClosed();
   written.bytes = hex(output.text());
   written.messages = piece.messages();

@@ -1,6 +1,7 @@
 #include "output/output_buffer.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <memory>
@@ -28,7 +29,7 @@ TEST(OutputBuffer, EverythingArrivesInItsOrder) {
     }
     expected += piece;
   }
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   file.wasClosed();
   EXPECT_TRUE(file.text() == expected);
 }
@@ -43,7 +44,7 @@ TEST(OutputBuffer, AnyByteMayBeWritten) {
   buffer->file = file.file();
   append(*buffer, bytes.data(), bytes.size());
   append(*buffer, bytes.data(), 0);
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   file.wasClosed();
   EXPECT_EQ(file.text(), bytes);
 }
@@ -58,21 +59,21 @@ TEST(OutputBuffer, RoomThatIsNotTakenIsNotWritten) {
     *place = 'y';
     taken(*buffer, place + 1);
   }
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   file.wasClosed();
   EXPECT_EQ(file.text(), std::string(100, 'y'));
 }
 
 TEST(OutputBuffer, ClosingTwiceOrWithoutAFileIsFine) {
   auto buffer = std::make_unique<OutputBuffer>();
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   MemoryFile file;
   buffer->file = file.file();
   append(*buffer, "abc", 3);
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   file.wasClosed();
   EXPECT_EQ(buffer->file, nullptr);
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
   EXPECT_EQ(file.text(), "abc");
 }
 
@@ -86,7 +87,41 @@ TEST(OutputBuffer, AFailedWriteIsRemembered) {
     for (std::size_t i = 0; i < pieces; ++i) {
       append(*buffer, "0123456789012345678901234567890123456789", 40);
     }
-    EXPECT_FALSE(closeOutput(*buffer)) << pieces;
+    EXPECT_FALSE(closeOutput(*buffer, true)) << pieces;
+  }
+}
+
+// A temporary file in which an older text stands.
+std::FILE *olderFile() {
+  std::FILE *file = std::tmpfile();
+  std::fputs("an older text", file);
+  std::rewind(file);
+  return file;
+}
+
+// What stands in the file behind the stream.
+std::string contents(int descriptor) {
+  char text[64];
+  ssize_t length = pread(descriptor, text, sizeof text, 0);
+  return {text, static_cast<std::size_t>(length)};
+}
+
+TEST(OutputBuffer, AnOlderTextStaysUntilTheFirstByte) {
+  struct {
+    const char *written;
+    bool endedWell;
+    const char *expected;
+  } rows[] = {
+      {"", false, "an older text"}, {"", true, ""}, {"new", false, "new"}, {"new", true, "new"}};
+  for (const auto &row : rows) {
+    auto buffer = std::make_unique<OutputBuffer>();
+    buffer->file = olderFile();
+    int descriptor = dup(fileno(buffer->file));
+    append(*buffer, row.written, std::strlen(row.written));
+    EXPECT_EQ(contents(descriptor), "an older text");
+    EXPECT_TRUE(closeOutput(*buffer, row.endedWell));
+    EXPECT_EQ(contents(descriptor), row.expected) << row.written << row.endedWell;
+    close(descriptor);
   }
 }
 
@@ -95,7 +130,7 @@ TEST(OutputBuffer, AnUntouchedFileThatTakesNothingIsComplete) {
   ASSERT_NE(full, nullptr);
   auto buffer = std::make_unique<OutputBuffer>();
   buffer->file = full;
-  EXPECT_TRUE(closeOutput(*buffer));
+  EXPECT_TRUE(closeOutput(*buffer, true));
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ Written write(const std::vector<Event> &events, const std::vector<Column> &colum
   Written written{};
   written.something = ScoreWriter(run);
   written.left = run.events.count;
-  closeOutput(run.output);
+  closeOutput(run.output, true);
   output.wasClosed();
   written.text = output.text();
   written.messages = piece.messages();

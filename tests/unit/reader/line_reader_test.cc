@@ -311,7 +311,7 @@ TEST(LineReader, TheExpansionFileGetsEveryLineThatParsersSee) {
   piece.run.expansion.file = expansion.file();
   while (piece.read() == kOk) {
   }
-  closeOutput(piece.run.expansion);
+  closeOutput(piece.run.expansion, true);
   expansion.wasClosed();
   EXPECT_EQ(expansion.text(),
             "a M 1.500 \n"
@@ -325,7 +325,7 @@ TEST(LineReader, ALineWithAnErrorIsNotEchoed) {
   MemoryFile expansion;
   piece.run.expansion.file = expansion.file();
   EXPECT_EQ(piece.read(2), kContextOnly);
-  closeOutput(piece.run.expansion);
+  closeOutput(piece.run.expansion, true);
   expansion.wasClosed();
   EXPECT_EQ(expansion.text(), "good \n");
 }
