@@ -90,6 +90,9 @@ ErrorCode completePfield(RunState &run, const SourceReader &source) {
   if (!loop.hasUnshared) {
     return holdLastValue(run, source);
   }
+  if (run.pfield.number == 2) {
+    run.pfield.insertRequest = false;  // a ":" at the end of the loop asks nothing of its replay
+  }
   if (loop.entries[0].shared) {
     raiseTarget(run);
   }

@@ -102,8 +102,7 @@ void startClock(RunState &run) {
 
 ErrorCode startStep(RunState &run, float value, ZeroInterval zero) {
   float seconds = BeatsToSeconds(run, value);
-  bool standsStill = seconds == 0.0F || run.tempo.beat + std::fabs(value) == run.tempo.beat;
-  if (zero == ZeroInterval::kError && isMeasuredInBeats(run) && standsStill) {
+  if (zero == ZeroInterval::kError && isMeasuredInBeats(run) && seconds == 0.0F) {
     return kZeroInterval;
   }
   float rhythm = deviate(seconds, run.settings.rd + run.settings.dv);

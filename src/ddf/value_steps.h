@@ -28,8 +28,8 @@ void startClock(RunState &run);
 enum class ZeroInterval { kAllowed, kError };
 
 // Makes the next event of P2: `value` in beats is its rhythm. With ZeroInterval::kError a rhythm
-// that converts to 0, or is too small to move the clock, is error 54 in a block measured in beats;
-// there more than 65,536 events in a row that do not move the clock are that error in any case.
+// that converts to 0 is error 54 in a block measured in beats; there more than 65,536 events in a
+// row that do not move the clock, since they are too short for it, are that error in any case.
 // Error 32 when there is no room for the event. One draw.
 ErrorCode startStep(RunState &run, float value, ZeroInterval zero);
 

@@ -125,7 +125,7 @@ def skip_rest(run):
 def item(run):
     r, t, field = run.reader, run.reader.t, run.field
     c = t.ch()
-    if names.is_body_name(t):
+    if names.is_field_name(t):
         named_item(run)
     elif r.comment_here():
         r.skip_body_comment()
@@ -251,7 +251,7 @@ def make_event(run, value, zero_is_error):
     field, block = run.field, run.block
     seconds = run.tempo.seconds(value)
     clock = add(block.clock, abs(value))
-    if zero_is_error and not block.in_events and (seconds == 0 or clock == block.clock):
+    if zero_is_error and not block.in_events and seconds == 0:
         raise Fail(54)
     seconds = deviate(run, seconds, add(run.rd, field.dv))
     append_event(run, seconds)
@@ -344,6 +344,8 @@ def complete(run):
     """Replay the loop, or hold the last value, until the block is full."""
     field, block = run.field, run.block
     loop = field.loop if any(not flag for _, flag in field.loop) else []
+    if loop and field.number == 2:
+        field.pending = False
     grows = field.number > 2 or block.in_events
     if loop and loop[0][1] and grows:
         block.target += 1

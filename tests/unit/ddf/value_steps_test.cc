@@ -167,11 +167,11 @@ TEST(ValueSteps, AnIntervalOfZeroIsAnErrorInABlockOfBeats) {
   EXPECT_EQ(block.run.events.count, 0U);
   EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk);
   EXPECT_EQ(startStep(block.run, 1e-6F, ZeroInterval::kError), kOk);
-  // Too small to move the clock counts as zero.
+  // One that is merely too small to move the clock makes its event.
   block.run.tempo.beat = 1000000;
-  EXPECT_EQ(startStep(block.run, 0.01F, ZeroInterval::kError), kZeroInterval);
-  EXPECT_EQ(startStep(block.run, -0.01F, ZeroInterval::kError), kZeroInterval);
-  EXPECT_EQ(startStep(block.run, 0.125F, ZeroInterval::kError), kOk);
+  EXPECT_EQ(startStep(block.run, 0.01F, ZeroInterval::kError), kOk);
+  EXPECT_EQ(startStep(block.run, -0.01F, ZeroInterval::kError), kOk);
+  EXPECT_EQ(block.run.tempo.beat, 1000000);
   Block counted(0, 4);
   EXPECT_EQ(startStep(counted.run, 0, ZeroInterval::kError), kOk);
 }
@@ -183,6 +183,14 @@ TEST(ValueSteps, ABlockOfBeatsThatStandsStillEnds) {
     ASSERT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk) << i;
   }
   EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kZeroInterval);
+
+  Block late(0, 0, 4.0F);  // at a million a hundredth of a beat stands still, too
+  late.run.tempo.beat = 1000000;
+  late.run.block.endBeat = 1000004;
+  for (int i = 0; i < 65536; ++i) {
+    ASSERT_EQ(startStep(late.run, 0.01F, ZeroInterval::kError), kOk) << i;
+  }
+  EXPECT_EQ(startStep(late.run, 0.01F, ZeroInterval::kError), kZeroInterval);
 }
 
 TEST(ValueSteps, AnyMovementCountsAnew) {
