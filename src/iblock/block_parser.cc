@@ -14,16 +14,17 @@
 
 namespace {
 
-// P2 comes first, the others in any order, each once.
+// P2 comes first, the others in any order, each once. Whoever begins with p0 or p1 is told that P2
+// comes first, too.
 ErrorCode checkPfieldNumber(const BlockState &block, int number) {
-  if (number == 0 || number == 1) {
-    return kBadPfieldNumber;
-  }
   if (number > block.header.pfieldCount) {
     return kPfieldOutOfBounds;
   }
   if (number != 2 && !block.pfields[2].given) {
     return kP2MustBeFirst;
+  }
+  if (number < 2) {
+    return kBadPfieldNumber;
   }
   return block.pfields[number].given ? kDuplicatePfield : kOk;
 }
@@ -64,7 +65,7 @@ ErrorCode closeBlock(const RunState &run, SourceReader &source) {
 }
 
 ErrorCode runBlockStatement(RunState &run, SourceReader &source) {
-  if (!isBodyName(source.line, source.position)) {
+  if (!isBlockName(source.line, source.position)) {
     return kInvalidBlockCommand;
   }
   if (!lookupDdfName(source.line, source.position, run.name)) {

@@ -167,7 +167,7 @@ ErrorCode readData(RunState &run, SourceReader &source) {
 
 ErrorCode readItem(RunState &run, SourceReader &source) {
   CommentKind kind;
-  if (isBodyName(source.line, source.position)) {
+  if (isPfieldName(source.line, source.position)) {
     return readName(run, source);
   }
   if (is_comment_start(source, kind)) {

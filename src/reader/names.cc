@@ -37,12 +37,12 @@ constexpr CascadeRow kCascade[] = {
 };
 // clang-format on
 
-struct BodyName {
+struct BlockName {
   char first;
   const char *seconds;
 };
 
-constexpr BodyName kBodyNames[] = {
+constexpr BlockName kBlockNames[] = {
     {'d', "bv"}, {'e', "x"}, {'h', "o"},      {'n', "o"},  {'i', "n"},
     {'m', "os"}, {'o', "p"}, {'r', "adehsw"}, {'s', "e2"}, {'p', "f"},
 };
@@ -115,7 +115,7 @@ bool lookupDdfName(const char *text, std::int32_t &position, NameLookup &name) {
   return true;
 }
 
-bool isBodyName(const char *text, std::int32_t position) {
+bool isBlockName(const char *text, std::int32_t position) {
   char first = toLower(text[position]);
   if (first == '#') {
     return true;
@@ -124,15 +124,19 @@ bool isBodyName(const char *text, std::int32_t position) {
   if (second == '\0') {
     return false;
   }
-  if (first == 'd' && second == 'x') {
-    std::int32_t behind = position + 2;
-    skipBlanksInLine(text, behind);
-    return text[behind] == '(';
-  }
-  for (const BodyName &name : kBodyNames) {
+  for (const BlockName &name : kBlockNames) {
     if (name.first == first) {
       return std::strchr(name.seconds, second) != nullptr;
     }
   }
   return false;
+}
+
+bool isPfieldName(const char *text, std::int32_t position) {
+  if (toLower(text[position]) == 'd' && toLower(text[position + 1]) == 'x') {
+    std::int32_t behind = position + 2;
+    skipBlanksInLine(text, behind);
+    return text[behind] == '(';
+  }
+  return isBlockName(text, position);
 }

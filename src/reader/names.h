@@ -50,6 +50,9 @@ struct NameLookup {
 bool lookupDdfName(const char *text, std::int32_t &position, NameLookup &name);
 
 // Whether the text at the position begins with a name that may stand in an i-block: a mode, a data
-// function, a setting or
-// "#". "dx" counts only before "(", as a note "d" may be followed by the repeat sign "x".
-bool isBodyName(const char *text, std::int32_t position);
+// function, a setting or "#".
+bool isBlockName(const char *text, std::int32_t position);
+
+// The same inside a p-field, where "dx" before a "(" is a name as well (of EX). Without the "(" it
+// is the note "d" and the repeat sign "x".
+bool isPfieldName(const char *text, std::int32_t position);

@@ -116,12 +116,14 @@ def parse_field(run):
         run.screen.warning(15)
     t.pos += 1
     number = t.read_short()
-    if number is None or number < 2:
+    if number is None:
         raise Fail(16)
     if number > block.fields:
         raise Fail(44)
     if number != 2 and 2 not in block.given:
         raise Fail(15)
+    if number < 2:
+        raise Fail(16)
     if number in block.given:
         raise Fail(70)
     run.field = pfield.Field(number)
@@ -141,7 +143,7 @@ def parse_statements(run):
         if r.comment_here():
             r.skip_body_comment()
             continue
-        if not names.is_body_name(t):
+        if not names.is_block_name(t):
             raise Fail(73)
         code = names.lookup(run, t)
         if code is None:

@@ -72,16 +72,21 @@ def finish_name(run, t, code):
     return code
 
 
-def is_body_name(t):
-    """Does a name that may stand in a block's body begin here?"""
+def is_block_name(t):
+    """Does a name that may stand in a block begin here?"""
     first, second = lower(t.ch()), lower(t.ch(1))
     if first == '#':
         return True
-    if first == 'd' and second == 'x':
+    seconds = {'d': 'bv', 'e': 'x', 'h': 'o', 'n': 'o', 'i': 'n', 'm': 'os', 'o': 'p',
+               'p': 'f', 'r': 'adehsw', 's': 'e2'}
+    return second in seconds.get(first, '')
+
+
+def is_field_name(t):
+    """The same inside a p-field, where "dx(" is a name, too."""
+    if lower(t.ch()) == 'd' and lower(t.ch(1)) == 'x':
         ahead = 2
         while t.ch(ahead) in ' \t\n\v\f\r':
             ahead += 1
         return t.ch(ahead) == '('
-    seconds = {'d': 'bv', 'e': 'x', 'h': 'o', 'n': 'o', 'i': 'n', 'm': 'os', 'o': 'p',
-               'p': 'f', 'r': 'adehsw', 's': 'e2'}
-    return second in seconds.get(first, '')
+    return is_block_name(t)

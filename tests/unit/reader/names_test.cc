@@ -222,7 +222,7 @@ TEST(NameLookup, QuarterToneMark) {
   }
 }
 
-TEST(BodyNames, EveryPairOfCharacters) {
+TEST(BlockNames, EveryPairOfCharacters) {
   const std::map<char, std::string> kSeconds = {
       {'d', "bv"}, {'e', "x"}, {'h', "o"}, {'n', "o"},      {'i', "n"},
       {'m', "os"}, {'o', "p"}, {'p', "f"}, {'r', "adehsw"}, {'s', "e2"},
@@ -233,12 +233,13 @@ TEST(BodyNames, EveryPairOfCharacters) {
       auto entry = kSeconds.find(lower(first));
       bool expected = first == '#' || (entry != kSeconds.end() &&
                                        entry->second.find(lower(second)) != std::string::npos);
-      ASSERT_EQ(isBodyName(text.c_str(), 1), expected) << text;
+      ASSERT_EQ(isBlockName(text.c_str(), 1), expected) << text;
+      ASSERT_EQ(isPfieldName(text.c_str(), 1), expected) << text;
     }
   }
 }
 
-TEST(BodyNames, DxNeedsItsParenthesis) {
+TEST(BlockNames, DxNeedsItsParenthesis) {
   struct {
     const char *text;
     bool name;
@@ -248,15 +249,16 @@ TEST(BodyNames, DxNeedsItsParenthesis) {
       {"dx[", false}, {"dx 3(", false}, {"d x(", false},
   };
   for (const auto &row : rows) {
-    EXPECT_EQ(isBodyName(row.text, 0), row.name) << row.text;
+    EXPECT_EQ(isPfieldName(row.text, 0), row.name) << row.text;
+    EXPECT_FALSE(isBlockName(row.text, 0)) << row.text;  // no name outside a p-field
   }
 }
 
-TEST(BodyNames, AtTheEndOfALine) {
+TEST(BlockNames, AtTheEndOfALine) {
   for (const char *text : {"", "d", "e", "r", "s", "p", "$", ">"}) {
-    EXPECT_FALSE(isBodyName(text, 0)) << text;
+    EXPECT_FALSE(isPfieldName(text, 0)) << text;
   }
-  EXPECT_TRUE(isBodyName("#", 0));
+  EXPECT_TRUE(isPfieldName("#", 0));
 }
 
 }  // namespace
