@@ -94,8 +94,7 @@ ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
       return error;
     }
   }
-  float number = 0.0F;
-  if (!isDigit(current(source)) || !read_float(number, source.line, source.position)) {
+  if (!isDigit(current(source)) || !read_float(value, source.line, source.position)) {
     return kIfNeedsValue;
   }
   skipBlanksInLine(source.line, source.position);
@@ -103,7 +102,6 @@ ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
     return kIfNotClosed;
   }
   ++source.position;
-  value = number;
   return kOk;
 }
 

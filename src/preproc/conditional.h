@@ -22,8 +22,9 @@ ErrorCode OpenConditional(RunState &run, SourceReader &source);
 // not an "endif".
 ErrorCode CloseConditional(RunState &run, SourceReader &source);
 
-// Reads `if(value)`; a macro call or a constant may stand for the value. `value` is set only on
-// success. Errors: 114, 115, 116, and those of the expansions.
+// Reads `if(value)`; a macro call or a constant may stand for the value. `value` is set as soon as
+// the number has been read, whether or not a ")" follows (116). Errors: 114, 115, 116, and those of
+// the expansions.
 ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value);
 
 // Whether every section has been closed.

@@ -65,7 +65,7 @@ def macro_statement(run):
     if c == 'd':
         define_macro(run)
     elif c == 'i':
-        read_if_value(run, t)
+        read_if_value(run, t, lambda value: None)
     elif c == 'e':
         if t.at('endif'):
             t.pos += 5
@@ -412,8 +412,8 @@ def apply_operator(a, operator, b):
 
 # Conditional sections
 
-def read_if_value(run, t):
-    """The number in "if(number)"."""
+def read_if_value(run, t, keep):
+    """The number in "if(number)" is given to `keep` as soon as it has been read."""
     if not t.at('if('):
         raise Fail(114)
     t.pos += 3
@@ -427,23 +427,26 @@ def read_if_value(run, t):
     value = t.read_float() if t.ch() in lex.DIGITS else None
     if value is None:
         raise Fail(115)
+    keep(value)
     t.skip_ws()
     if t.ch() != ')':
         raise Fail(116)
     t.pos += 1
-    return value
 
 
 class Conditionals:
-    """Open sections and the value of the last well-formed condition."""
+    """Open sections and the last value that a condition has given."""
 
     def __init__(self, run):
         self.run, self.depth, self.value = run, 0, 0.0
 
+    def _keep(self, value):
+        self.value = value
+
     def open(self, t):
         """At "if(": a false section is dropped up to its "#endif"."""
         try:
-            self.value = read_if_value(self.run, t)
+            read_if_value(self.run, t, self._keep)
         except Fail:
             pass
         saved = self.depth

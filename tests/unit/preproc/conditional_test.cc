@@ -111,7 +111,7 @@ TEST(Conditional, AMalformedValueRepeatsTheOneBefore) {
       {"#if(-1)\na\n#endif\nb", {" ", "b"}},
       {"#if(.5)\na\n#endif\nb", {" ", "b"}},
       {"#if()\na\n#endif\nb", {" ", "b"}},
-      {"#if(2\na\n#endif\nb", {" ", "b"}},
+      {"#if(2\na\n#endif\nb", {"", "a ", " ", "b"}},  // the number counts at once
       {"#if(1)\n#endif\n#if(0)\n#endif\n#if(x)\na\n#endif\nb", {" ", " ", " ", " ", "b"}},
   });
 }
@@ -235,9 +235,6 @@ TEST(Conditional, ValuesThatFailLeaveTheOldOne) {
       {"if(-1)", kIfNeedsValue, ""},
       {"if(+1)", kIfNeedsValue, ""},
       {"if(.5)", kIfNeedsValue, ""},
-      {"if(1", kIfNotClosed, ""},
-      {"if(1 2)", kIfNotClosed, ""},
-      {"if(1x)", kIfNotClosed, ""},
       {"if($none)", kContextOnly,
        "\n\nERROR: Line 6: There is no macro \"none\" in your input file!\n"},
       {"if(~none)", kContextOnly,
@@ -251,6 +248,10 @@ TEST(Conditional, ValuesThatFailLeaveTheOldOne) {
     EXPECT_EQ(value.result, row.result) << row.text;
     EXPECT_EQ(value.value, -99.0F) << row.text;
     EXPECT_EQ(value.messages, row.messages) << row.text;
+  }
+  for (const char *text : {"if(1", "if(1 2)", "if(1x)"}) {  // the number counts at once
+    EXPECT_EQ(readIf(text).result, kIfNotClosed) << text;
+    EXPECT_EQ(readIf(text).value, 1.0F) << text;
   }
   EXPECT_EQ(readIf("if($b)").result, kIfNeedsValue);      // a blank is no digit
   EXPECT_EQ(readIf("if(~minus)").result, kIfNeedsValue);  // nor is a sign

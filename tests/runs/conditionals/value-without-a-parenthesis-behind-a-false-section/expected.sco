@@ -1,3 +1,4 @@
 
+ in 
  behind 
 e

@@ -1,4 +1,3 @@
 
- in 
  behind 
 e
