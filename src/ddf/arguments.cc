@@ -4,20 +4,23 @@
 
 #include <utility>
 
+#include "base/arithmetic.h"
+#include "base/characters.h"
+#include "base/numbers.h"
+#include "ddf/generation.h"
 #include "ddf/input_modes.h"
 #include "ddf/ranges.h"
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
 #include "global/curve.h"
-#include "reader/characters.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
 // "T": the whole block, or with "*f" the fraction f of it, in beats or as a number of events, as
 // the block is measured.
-ErrorCode readWholeSpan(RunState &run, SourceReader &source, float &span) {
+ErrorCode readWholeSpan(Generation &making, SourceReader &source, float &span) {
   float fraction = 1.0F;
   ++source.position;
   if (current(source) == '*') {
@@ -27,133 +30,94 @@ ErrorCode readWholeSpan(RunState &run, SourceReader &source, float &span) {
       return kBadTimePercentage;
     }
   }
-  float length = run.block.header.length;
-  span = length < 0.0F ? -roundHalfUp(fraction * static_cast<float>(run.block.target))
+  float length = making.block.header.length;
+  span = length < 0.0F ? -roundHalfUp(fraction * static_cast<float>(making.block.target))
                        : fraction * length;
-  if (!run.options.silent) {
-    say(run.screen, "\n\tLine %d: T evaluated at = %f", {source.lineCounter, span});
+  if (!making.messages->silent) {
+    say(*making.messages, "\n\tLine %d: T evaluated at = %f", {source.lineCounter, span});
   }
   return kOk;
 }
 
 }  // namespace
 
-ErrorCode readSpan(RunState &run, SourceReader &source, float &span) {
-  ErrorCode error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode readSpan(Generation &making, SourceReader &source, float &span) {
+  RETURN_IF_ERROR(skip_blanks(source));
   if (current(source) != '(') {
     return kBadCallStart;
   }
   ++source.position;
-  error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_blanks(source));
   if (current(source) == 'T') {
-    error = readWholeSpan(run, source, span);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readWholeSpan(making, source, span));
   } else if (!read_float(span, source.line, source.position)) {
     return kBadSpan;
   }
-  return skip_separator(run, source);
+  return skip_separator(source);
 }
 
-ErrorCode readArgument(RunState &run, SourceReader &source, ErrorCode missing, float &value) {
-  return readValue(run, source.line, source.position, value) ? kOk : missing;
+ErrorCode readArgument(Generation &making, SourceReader &source, ErrorCode missing, float &value) {
+  return readValue(making, source.line, source.position, value) ? kOk : missing;
 }
 
-ErrorCode readRange(RunState &run, SourceReader &source, Range &range) {
+ErrorCode readRange(Generation &making, SourceReader &source, Range &range) {
   range.distribution = 0;
   if (current(source) != '[') {
-    ErrorCode error = readArgument(run, source, kValueMissing, range.low);
+    RETURN_IF_ERROR(readArgument(making, source, kValueMissing, range.low));
     range.high = range.low;
-    return error;
+    return kOk;
   }
   ++source.position;
-  ErrorCode error = skip_separator(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_separator(source));
   range.distribution = takeDistribution(source.line, source.position);
-  error = skip_separator(run, source);
+  RETURN_IF_ERROR(skip_separator(source));
   int count = 0;
-  while (error <= 0 && (count == 0 || current(source) != ']')) {
+  RETURN_IF_ERROR(readToBracket(source, [&] {
     float value = 0.0F;
-    error = readArgument(run, source, kBadListValue, value);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readArgument(making, source, kBadListValue, value));
     if (count == 2) {
       return kTooManyRangeValues;
     }
     range.low = count == 0 ? value : range.low;
     range.high = value;
     ++count;
-    error = skip_separator(run, source);
-  }
-  if (error > 0) {
-    return error;
-  }
-  ++source.position;
+    return kOk;
+  }));
   if (range.low > range.high) {
     std::swap(range.low, range.high);
   }
   return kOk;
 }
 
-bool touchesZeroInterval(const RunState &run, const Range &range) {
-  return run.pfield.number == 2 && run.segments.span > 0.0F &&
+bool touchesZeroInterval(const Generation &making, const Range &range) {
+  return making.pfield.number == 2 && making.segments.span > 0.0F &&
          (range.low == 0.0F || range.high == 0.0F);
 }
 
-ErrorCode readList(RunState &run, SourceReader &source, ListSlice &list) {
-  Pool<float> &pool = run.segments.values;
+ErrorCode readList(Generation &making, SourceReader &source, ListSlice &list) {
+  Pool<float> &pool = making.segments.values;
   list.first = pool.count;
   list.count = 0;
-  bool bracketed = current(source) == '[';
-  ErrorCode error = kOk;
-  if (bracketed) {
-    ++source.position;
-    error = skip_separator(run, source);
-  }
-  while (error <= 0 && (list.count == 0 || (bracketed && current(source) != ']'))) {
+  return readOneOrMore(source, [&](ErrorCode missing) {
     float value = 0.0F;
-    error = readArgument(run, source, bracketed ? kBadListValue : kValueMissing, value);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readArgument(making, source, missing, value));
     if (list.count == kMaxListValues) {
       return kBadListValue;
     }
-    if (!addValue(pool, value)) {
-      return kOutOfMemory;
-    }
     ++list.count;
-    error = bracketed ? skip_separator(run, source) : kOk;
-  }
-  if (error > 0) {
-    return error;
-  }
-  source.position += bracketed ? 1 : 0;
-  return kOk;
+    return addValue(pool, value) ? kOk : kOutOfMemory;
+  });
 }
 
-ErrorCode readCurveSpec(RunState &run, SourceReader &source, CurveSpec &curve) {
+ErrorCode readCurveSpec(Generation &making, SourceReader &source, CurveSpec &curve) {
   CurveType type = kLine;
   if (!readCurveLetter(source.line, source.position, type, curve.exponent)) {
     return kBadCurve;
   }
   curve.type = static_cast<float>(type);
-  ErrorCode error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_blanks(source));
   if (current(source) == '*') {
-    if (!(run.segments.span > 0.0F)) {
+    if (!(making.segments.span > 0.0F)) {
       return kBeatMoveNotAllowed;
     }
     ++source.position;
@@ -162,11 +126,13 @@ ErrorCode readCurveSpec(RunState &run, SourceReader &source, CurveSpec &curve) {
   return kOk;
 }
 
-ErrorCode readSelectionMode(RunState &run, SourceReader &source, SelectionMode &mode) {
+ErrorCode readSelectionMode(SourceReader &source, SelectionMode &mode) {
   mode = current(source) == '*' ? kExhaustive : current(source) == 'x' ? kNoRepeat : kFree;
   if (mode == kFree) {
     return kOk;
   }
   ++source.position;
-  return skip_separator(run, source);
+  return skip_separator(source);
 }
+
+}  // namespace korvo

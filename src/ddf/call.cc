@@ -6,47 +6,39 @@
 
 #include <cmath>
 
+#include "base/arithmetic.h"
+#include "base/numbers.h"
+#include "base/random.h"
 #include "ddf/arguments.h"
-#include "ddf/draw.h"
+#include "ddf/generation.h"
 #include "ddf/loops.h"
 #include "ddf/value_steps.h"
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
-ErrorCode readSegment(RunState &run, SourceReader &source, const Generator &generator,
+ErrorCode readSegment(Generation &making, SourceReader &source, const Generator &generator,
                       Segment &segment) {
   if (generator.percentageMissing != kOk) {
     if (!read_float(segment.percentage, source.line, source.position)) {
       return generator.percentageMissing;
     }
-    ErrorCode error = skip_separator(run, source);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(skip_separator(source));
   }
-  ErrorCode error = generator.readSegment(run, source, segment);
-  if (error <= 0) {
-    error = skip_separator(run, source);
-  }
-  if (error <= 0 && generator.checkSegment != nullptr) {
-    error = generator.checkSegment(run, segment);
-  }
-  return error;
+  RETURN_IF_ERROR(generator.readSegment(making, source, segment));
+  RETURN_IF_ERROR(skip_separator(source));
+  return generator.checkSegment != nullptr ? generator.checkSegment(making, segment) : kOk;
 }
 
-ErrorCode readSegments(RunState &run, SourceReader &source, const Generator &generator) {
-  SegmentTable &table = run.segments;
+ErrorCode readSegments(Generation &making, SourceReader &source, const Generator &generator) {
+  SegmentTable &table = making.segments;
   while (table.count < kMaxSegments) {
     Segment &segment = table.segments[table.count];
     segment = Segment{};
-    ErrorCode error = readSegment(run, source, generator, segment);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readSegment(making, source, generator, segment));
     ++table.count;
     if (current(source) == ')') {
       ++source.position;
@@ -71,167 +63,150 @@ ErrorCode checkPercentages(const SegmentTable &table) {
 std::int64_t eventsOfSpan(float span) { return toInt64(static_cast<double>(std::fabs(span))); }
 
 // P2: every value makes an event, until the span is over or the block is full.
-ErrorCode makeEvents(RunState &run, const SourceReader &source, const Generator &generator) {
-  float span = run.segments.span;
+ErrorCode makeEvents(Generation &making, const SourceReader &source, const Generator &generator) {
+  float span = making.segments.span;
   Moment moment;
   moment.inBeats = !(span < 0.0F);
   moment.length = span;
   moment.count = moment.inBeats ? 0 : eventsOfSpan(span);
-  if (!moment.inBeats && exceedsBlock(run, moment.count)) {
+  if (!moment.inBeats && exceedsBlock(making, moment.count)) {
     return kOutOfMemory;
   }
   for (; moment.inBeats ? moment.elapsed < span : moment.index < moment.count; ++moment.index) {
-    if (blockIsFull(run)) {
-      truncateData(run, source);
+    if (blockIsFull(making)) {
+      truncateData(making, source);
       return kOk;
     }
     float value = 0.0F;
-    ErrorCode error = generator.value(run, chooseSegment(run.segments), moment, value);
-    if (error > 0) {
-      return error;
-    }
-    run.pfield.lastValue = value;
-    error = startStep(run, value, ZeroInterval::kAllowed);
-    if (error > 0) {
-      return error;
-    }
-    if (!recordValue(run.pfield, value)) {
+    RETURN_IF_ERROR(generator.value(making, chooseSegment(making.segments, making.global.random),
+                                    moment, value));
+    making.pfield.lastValue = value;
+    RETURN_IF_ERROR(startStep(making, value, ZeroInterval::kAllowed));
+    if (!recordValue(making.pfield, value)) {
       return kOutOfMemory;
     }
-    moment.elapsed += run.block.lastRhythm;
+    moment.elapsed += making.block.lastRhythm;
   }
   return kOk;
 }
 
 // The value's way to its event, from P3 on.
-ErrorCode storeValue(RunState &run, const SourceReader &source, EventRecord &event, float value) {
-  if (run.pfield.inputMode == kIN) {
+ErrorCode storeValue(Generation &making, const SourceReader &source, EventRecord &event,
+                     float value) {
+  if (making.pfield.inputMode == kIN) {
     value = roundHalfUp(value);
   }
-  run.pfield.lastValue = value;
-  if (run.pfield.number == 3) {
-    durationStep(run, source, event, value);
+  making.pfield.lastValue = value;
+  if (making.pfield.number == 3) {
+    durationStep(making, source, event, value);
   } else {
-    value = parameterStep(run, event, value);
+    value = parameterStep(making, event, value);
   }
-  return recordValue(run.pfield, value) ? kOk : kOutOfMemory;
+  return recordValue(making.pfield, value) ? kOk : kOutOfMemory;
 }
 
 // P3 and above: every value goes to the next event of the span.
-ErrorCode fillEvents(RunState &run, const SourceReader &source, const Generator &generator) {
-  ErrorCode error = insertPending(run);
-  if (error > 0) {
-    return error;
-  }
-  Extent extent = measureExtent(run, source);
+ErrorCode fillEvents(Generation &making, const SourceReader &source, const Generator &generator) {
+  RETURN_IF_ERROR(insertPending(making));
+  Extent extent = measureExtent(making, source);
   Moment moment;
   moment.count = extent.count;
   moment.length =
       extent.lastBeat +
       extent.firstBeat;  // the sum is what a "*" curve runs over, wherever the call begins
   for (; moment.index < moment.count; ++moment.index) {
-    if (blockIsFull(run)) {
-      truncateData(run, source);
+    if (blockIsFull(making)) {
+      truncateData(making, source);
       return kOk;
     }
-    Segment &segment = chooseSegment(run.segments);
+    Segment &segment = chooseSegment(making.segments, making.global.random);
     EventRecord *event = nullptr;
-    error = nextEvent(run, event);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(nextEvent(making, event));
     moment.event = event;
     moment.elapsed = event->beat - extent.firstBeat;
     float value = 0.0F;
-    error = generator.value(run, segment, moment, value);
-    if (error > 0) {
-      return error;
-    }
-    error = storeValue(run, source, *event, value);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(generator.value(making, segment, moment, value));
+    RETURN_IF_ERROR(storeValue(making, source, *event, value));
   }
   return kOk;
 }
 
 struct Setting {
   CommandCode name;
-  ErrorCode (*read)(RunState &, SourceReader &);
+  ErrorCode (*read)(Generation &, SourceReader &);
 };
 
+// clang-format off
 constexpr Setting kSettings[] = {
-    {kDV, readDV}, {kPF, readPF}, {kRD, readRD}, {kRS, readRS}, {kSR, readSR}, {kS2, runS2},
+    {kDV, [](Generation &making, SourceReader &source) { return readDV(source, making.global.settings); }},
+    {kPF, [](Generation &making, SourceReader &source) { return readPF(source, making.global.settings, making.pfield.number); }},
+    {kRD, [](Generation &making, SourceReader &source) { return readRD(source, making.global.settings); }},
+    {kRS, [](Generation &making, SourceReader &source) { return readRS(source, making.global.random); }},
+    {kSR, [](Generation &making, SourceReader &source) { return readSR(source, making.global.settings); }},
+    {kS2, runS2},
 };
+// clang-format on
 
 }  // namespace
 
-ErrorCode dispatchDdf(RunState &run, SourceReader &source, CommandCode command) {
+ErrorCode dispatchDdf(Generation &making, SourceReader &source, CommandCode command) {
   for (const Setting &setting : kSettings) {
     if (setting.name == command) {
-      return setting.read(run, source);
+      return setting.read(making, source);
     }
   }
   const Generator *generator = findGenerator(command);
   if (generator == nullptr) {
     return kInvalidCommand;
   }
-  ErrorCode error = readCall(run, source, *generator);
-  if (error > 0) {
-    return error;
-  }
-  return run.pfield.number == 2 ? makeEvents(run, source, *generator)
-                                : fillEvents(run, source, *generator);
+  RETURN_IF_ERROR(readCall(making, source, *generator));
+  return making.pfield.number == 2 ? makeEvents(making, source, *generator)
+                                   : fillEvents(making, source, *generator);
 }
 
-ErrorCode readCall(RunState &run, SourceReader &source, const Generator &generator) {
-  clearSegments(run.segments);
-  ErrorCode error = generator.begin != nullptr ? generator.begin(run, source) : kOk;
-  if (error <= 0) {
-    error = readSpan(run, source, run.segments.span);
+ErrorCode readCall(Generation &making, SourceReader &source, const Generator &generator) {
+  clearSegments(making.segments);
+  if (generator.begin != nullptr) {
+    RETURN_IF_ERROR(generator.begin(making, source));
   }
-  if (error <= 0) {
-    error = readSegments(run, source, generator);
-  }
-  if (error > 0) {
-    return error;
-  }
-  return generator.percentageMissing != kOk ? checkPercentages(run.segments) : kOk;
+  RETURN_IF_ERROR(readSpan(making, source, making.segments.span));
+  RETURN_IF_ERROR(readSegments(making, source, generator));
+  return generator.percentageMissing != kOk ? checkPercentages(making.segments) : kOk;
 }
 
-Extent measureExtent(RunState &run, const SourceReader &source) {
-  float span = run.segments.span;
+Extent measureExtent(Generation &making, const SourceReader &source) {
+  float span = making.segments.span;
   Extent extent;
   if (span < 0.0F) {
     extent.count = eventsOfSpan(span);
     return extent;
   }
-  if (blockIsFull(run)) {
+  if (blockIsFull(making)) {
     return extent;
   }
-  std::uint32_t event = peekNextEvent(run);
-  extent.firstBeat = eventAt(run.events, event).beat;
+  std::uint32_t event = peekNextEvent(making);
+  extent.firstBeat = eventAt(making.events, event).beat;
   extent.lastBeat = extent.firstBeat;
   float end = extent.firstBeat + span;
-  std::int64_t left = run.block.target - run.pfield.filled;
-  for (; extent.count < left && eventAt(run.events, event).beat <= end; ++extent.count) {
-    extent.lastBeat = eventAt(run.events, event).beat;
-    event = eventAt(run.events, event).next;
+  std::int64_t left = making.block.target - making.pfield.filled;
+  for (; extent.count < left && eventAt(making.events, event).beat <= end; ++extent.count) {
+    extent.lastBeat = eventAt(making.events, event).beat;
+    event = eventAt(making.events, event).next;
   }
   // A length is compared with a time, and the five are beats of nothing in particular; composers
   // know when it warns.
   bool overshoots = static_cast<double>(span) - 5.0 > static_cast<double>(extent.lastBeat);
-  if (overshoots && !run.options.silent) {
-    warn(run, source, kDurationAltered);
-    say(run.screen, "Old duration = %f, New duration = %f\n", {span, extent.lastBeat});
+  if (overshoots && !making.messages->silent) {
+    warn(source, kDurationAltered);
+    say(*making.messages, "Old duration = %f, New duration = %f\n", {span, extent.lastBeat});
   }
   return extent;
 }
 
 // Running sums in single precision; the first one that is not below the draw decides. Should
 // rounding leave the draw above them all, it is the last segment.
-Segment &chooseSegment(SegmentTable &table) {
-  float u = drawUnit();
+Segment &chooseSegment(SegmentTable &table, Random &random) {
+  float u = drawUnit(random);
   float sum = table.segments[0].percentage;
   int chosen = 0;
   while (sum < u && chosen < table.count - 1) {
@@ -240,7 +215,9 @@ Segment &chooseSegment(SegmentTable &table) {
   return table.segments[chosen];
 }
 
-void truncateData(RunState &run, const SourceReader &source) {
-  warn(run, source, kDataTruncated);
-  run.pfield.blockEnd = true;
+void truncateData(Generation &making, const SourceReader &source) {
+  warn(source, kDataTruncated);
+  making.pfield.blockEnd = true;
 }
+
+}  // namespace korvo

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace korvo {
+
 void beginEvents(EventList &list, int parameters) {
   list.parameters = static_cast<std::uint32_t>(parameters);
   list.stride = static_cast<std::uint32_t>(sizeof(EventRecord) + sizeof(float) * list.parameters);
@@ -80,3 +82,5 @@ std::uint32_t removeRests(EventList &list) {
   }
   return before - list.count;
 }
+
+}  // namespace korvo

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace korvo {
+
 inline constexpr std::uint32_t kNoEvent = 0xFFFFFFFFU;
 inline constexpr std::uint32_t kMaxEvents = 67108864;  // in one i-block
 // A MIDI file adds a note-off to every event.
@@ -79,3 +81,5 @@ std::uint32_t copyEventBehind(EventList &list, std::uint32_t event);
 // Unlinks all rests (a duration of 0 or less; not-a-number is none) and returns how many there
 // were.
 std::uint32_t removeRests(EventList &list);
+
+}  // namespace korvo

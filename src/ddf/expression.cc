@@ -1,12 +1,15 @@
 // EX: EX(T 0.5 I [p4 * 2 + p5] 0.5 p4). Terms are applied strictly from left to right; P2 stands
 // for the event's start, P3 for its duration as it is at that moment.
+#include "base/arithmetic.h"
+#include "base/characters.h"
+#include "base/numbers.h"
 #include "ddf/arguments.h"
+#include "ddf/generation.h"
 #include "ddf/generator.h"
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
-#include "reader/characters.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -16,29 +19,26 @@ bool isOperator(char c) { return c == '+' || c == '-' || c == '*' || c == '/' ||
 
 // The "p" and its number. Only a p-field of this block that has been specified, and is not the
 // present one, can be used.
-ErrorCode readReference(RunState &run, SourceReader &source, Term &term) {
+ErrorCode readReference(Generation &making, SourceReader &source, Term &term) {
   ++source.position;
   if (!read_short(term.pfield, source.line, source.position)) {
     return kBadPfieldNumber;
   }
-  bool exists = term.pfield >= 2 && term.pfield <= run.block.header.pfieldCount;
-  if (!exists || !run.block.pfields[term.pfield].given || term.pfield == run.pfield.number) {
+  bool exists = term.pfield >= 2 && term.pfield <= making.block.header.pfieldCount;
+  if (!exists || !making.block.pfields[term.pfield].given || term.pfield == making.pfield.number) {
     return kBadReference;
   }
   term.isReference = true;
-  run.segments.referenceSeen = true;
+  making.segments.referenceSeen = true;
   return kOk;
 }
 
-ErrorCode readTerm(RunState &run, SourceReader &source, Segment &segment, char operation) {
+ErrorCode readTerm(Generation &making, SourceReader &source, Segment &segment, char operation) {
   Term term{operation, false, 0, 0.0F};
   if (isReferenceStart(current(source))) {
-    ErrorCode error = readReference(run, source, term);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readReference(making, source, term));
     if (operation == '/') {
-      warn(run, source, kMayDivideByZero);
+      warn(source, kMayDivideByZero);
     }
   } else if (!read_float(term.number, source.line, source.position)) {
     return kBadValue;
@@ -46,23 +46,16 @@ ErrorCode readTerm(RunState &run, SourceReader &source, Segment &segment, char o
     return kDivisionByZero;
   }
   ++segment.list.count;
-  return addTerm(run.segments.terms, term) ? kOk : kOutOfMemory;
+  return addTerm(making.segments.terms, term) ? kOk : kOutOfMemory;
 }
 
 // What stands behind the "[", up to and with the "]".
-ErrorCode readEquation(RunState &run, SourceReader &source, Segment &segment) {
+ErrorCode readEquation(Generation &making, SourceReader &source, Segment &segment) {
   char operation = '+';
   for (;;) {
-    ErrorCode error = skip_blanks(run, source);
-    if (error <= 0) {
-      error = readTerm(run, source, segment, operation);
-    }
-    if (error <= 0) {
-      error = skip_blanks(run, source);
-    }
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(skip_blanks(source));
+    RETURN_IF_ERROR(readTerm(making, source, segment, operation));
+    RETURN_IF_ERROR(skip_blanks(source));
     operation = current(source);
     if (operation == ']') {
       ++source.position;
@@ -110,50 +103,47 @@ ErrorCode apply(float &result, char operation, float operand) {
 
 }  // namespace
 
-ErrorCode beginExpression(RunState &run, SourceReader &source) {
-  if (run.pfield.number == 2) {
+ErrorCode beginExpression(Generation &making, SourceReader &source) {
+  if (making.pfield.number == 2) {
     return kBadReference;
   }
-  if (run.pfield.number == 3) {
-    warn(run, source, kBewareP3Codes);
+  if (making.pfield.number == 3) {
+    warn(source, kBewareP3Codes);
   }
   return kOk;
 }
 
-ErrorCode readExpressionSegment(RunState &run, SourceReader &source, Segment &segment) {
-  segment.list.first = run.segments.terms.count;
+ErrorCode readExpressionSegment(Generation &making, SourceReader &source, Segment &segment) {
+  segment.list.first = making.segments.terms.count;
   char letter = toLower(current(source));
   if (letter == 'f' || letter == 'i') {
     segment.integerResult = letter == 'i';
     ++source.position;
-    ErrorCode error = skip_separator(run, source);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(skip_separator(source));
   }
   if (current(source) == '[') {
     ++source.position;
-    return readEquation(run, source, segment);
+    return readEquation(making, source, segment);
   }
-  return isReferenceStart(current(source)) ? readTerm(run, source, segment, '+') : kBadReference;
+  return isReferenceStart(current(source)) ? readTerm(making, source, segment, '+') : kBadReference;
 }
 
 // A segment of numbers alone is fine behind one that has named a p-field.
-ErrorCode checkExpressionSegment(const RunState &run, const Segment & /*segment*/) {
-  return run.segments.referenceSeen ? kOk : kReferenceMissing;
+ErrorCode checkExpressionSegment(const Generation &making, const Segment & /*segment*/) {
+  return making.segments.referenceSeen ? kOk : kReferenceMissing;
 }
 
-ErrorCode expressionValue(RunState &run, Segment &segment, const Moment &moment, float &value) {
-  const Term *terms = run.segments.terms.items + segment.list.first;
+ErrorCode expressionValue(Generation &making, Segment &segment, const Moment &moment,
+                          float &value) {
+  const Term *terms = making.segments.terms.items + segment.list.first;
   value = valueOf(terms[0], *moment.event);
   for (std::uint32_t i = 1; i < segment.list.count; ++i) {
-    ErrorCode error = apply(value, terms[i].operation, valueOf(terms[i], *moment.event));
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(apply(value, terms[i].operation, valueOf(terms[i], *moment.event)));
   }
   if (segment.integerResult) {
     value = roundHalfUp(value);
   }
   return kOk;
 }
+
+}  // namespace korvo

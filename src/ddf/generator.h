@@ -5,12 +5,14 @@
 
 #include <cstdint>
 
+#include "base/error_code.h"
 #include "ddf/event_list.h"
 #include "ddf/segment_table.h"
-#include "driver/error_code.h"
 #include "reader/names.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
 struct SourceReader;
 
 // Where in the call a value is wanted.
@@ -30,50 +32,52 @@ struct Generator {
   // single segment.
   ErrorCode percentageMissing;
   // What is checked before anything is read; null for nothing.
-  ErrorCode (*begin)(RunState &run, SourceReader &source);
+  ErrorCode (*begin)(Generation &making, SourceReader &source);
   // Reads what stands behind a segment's percentage and separator.
-  ErrorCode (*readSegment)(RunState &run, SourceReader &source, Segment &segment);
+  ErrorCode (*readSegment)(Generation &making, SourceReader &source, Segment &segment);
   // What is checked when the separator behind a segment has been read; null for nothing.
-  ErrorCode (*checkSegment)(const RunState &run, const Segment &segment);
+  ErrorCode (*checkSegment)(const Generation &making, const Segment &segment);
   // The value of `segment` at this moment.
-  ErrorCode (*value)(RunState &run, Segment &segment, const Moment &moment, float &value);
+  ErrorCode (*value)(Generation &making, Segment &segment, const Moment &moment, float &value);
 };
 
 // The generator with that name, or null.
 const Generator *findGenerator(CommandCode name);
 
 // RA, a random range. Draws as drawFromRange. Errors 37, 39, 41, 72.
-ErrorCode readRandomSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode randomValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readRandomSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode randomValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // RW, a random walk. Draws again until the new position lies in the window; one draw for a window
 // that is nearly nothing. Errors 50, 51, 52.
-ErrorCode readWalkSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode walkValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readWalkSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode walkValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // MO, a range that moves to a second one. Draws from the first, then from the second. Errors 37,
 // 39, 41, 63, 64, 72.
-ErrorCode readMoveSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode checkMoveSegment(const RunState &run, const Segment &segment);
-ErrorCode moveValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readMoveSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode checkMoveSegment(const Generation &making, const Segment &segment);
+ErrorCode moveValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // SE, a selection from a list. One draw, in the modes "*" and "x" again until it fits. Errors 32,
 // 39, 41.
-ErrorCode readSelectSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode selectValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readSelectSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode selectValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // EX, an expression over p-fields. No draws. Errors 16, 23, 32, 55, 57, 58, 59 when it is read, 60
 // at an event.
-ErrorCode beginExpression(RunState &run, SourceReader &source);
-ErrorCode readExpressionSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode checkExpressionSegment(const RunState &run, const Segment &segment);
-ErrorCode expressionValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode beginExpression(Generation &making, SourceReader &source);
+ErrorCode readExpressionSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode checkExpressionSegment(const Generation &making, const Segment &segment);
+ErrorCode expressionValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // MS, a choice between two lists whose odds move. Two draws: which list, which value. Errors 32,
 // 39, 41, 63, 64.
-ErrorCode readTwoListSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode twoListValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readTwoListSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode twoListValue(Generation &making, Segment &segment, const Moment &moment, float &value);
 
 // HO, a held value. No draws of its own. Error 52.
-ErrorCode readHoldSegment(RunState &run, SourceReader &source, Segment &segment);
-ErrorCode holdValue(RunState &run, Segment &segment, const Moment &moment, float &value);
+ErrorCode readHoldSegment(Generation &making, SourceReader &source, Segment &segment);
+ErrorCode holdValue(Generation &making, Segment &segment, const Moment &moment, float &value);
+
+}  // namespace korvo

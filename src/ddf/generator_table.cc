@@ -1,6 +1,8 @@
 // The table of kinds: what makes a name a data function.
 #include "ddf/generator.h"
 
+namespace korvo {
+
 namespace {
 
 constexpr Generator kGenerators[] = {
@@ -24,3 +26,5 @@ const Generator *findGenerator(CommandCode name) {
   }
   return nullptr;
 }
+
+}  // namespace korvo

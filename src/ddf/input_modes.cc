@@ -5,11 +5,13 @@
 #include <cmath>
 #include <cstring>
 
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
-#include "reader/characters.h"
+#include "base/arithmetic.h"
+#include "base/characters.h"
+#include "base/numbers.h"
+#include "ddf/generation.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -26,11 +28,11 @@ bool beginsInteger(char c) { return isSign(c) || isDigit(c); }
 bool beginsNote(char c) { return isLetter(c) || isDigit(c); }
 bool beginsPitch(char c) { return isSign(c) || isDigit(c) || isLastValue(c); }
 
-bool readReal(RunState & /*run*/, const char *text, std::int32_t &position, float &value) {
+bool readReal(Generation & /*making*/, const char *text, std::int32_t &position, float &value) {
   return read_float(value, text, position);
 }
 
-bool readInteger(RunState & /*run*/, const char *text, std::int32_t &position, float &value) {
+bool readInteger(Generation & /*making*/, const char *text, std::int32_t &position, float &value) {
   if (!read_float(value, text, position)) {
     return false;
   }
@@ -39,7 +41,7 @@ bool readInteger(RunState & /*run*/, const char *text, std::int32_t &position, f
 }
 
 // Decibels become the amplitude they stand for, both as whole numbers: 96 gives 63095.
-bool readDecibels(RunState & /*run*/, const char *text, std::int32_t &position, float &value) {
+bool readDecibels(Generation & /*making*/, const char *text, std::int32_t &position, float &value) {
   float decibels = 0.0F;
   if (!read_float(decibels, text, position) || decibels < 0.0F || decibels > kLoudest) {
     return false;
@@ -67,7 +69,7 @@ bool readNoteLength(const char *text, std::int32_t &position, float &beats) {
 
 // A note length and what is tied to it: "," directly behind a length adds the next one. The sign of
 // the first length is that of the sum.
-bool readRhythm(RunState & /*run*/, const char *text, std::int32_t &position, float &value) {
+bool readRhythm(Generation & /*making*/, const char *text, std::int32_t &position, float &value) {
   float sum = 0.0F;
   if (!readNoteLength(text, position, sum)) {
     return false;
@@ -99,7 +101,8 @@ bool noteSemitone(char letter, float &semitone) {
 }
 
 // The marks behind a note letter. Quarter tones only where the mode's name ended in "x".
-bool readNoteMarks(const RunState &run, const char *text, std::int32_t &position, float &semitone) {
+bool readNoteMarks(const Generation &making, const char *text, std::int32_t &position,
+                   float &semitone) {
   for (;; ++position) {
     switch (text[position]) {
       case 's':
@@ -112,7 +115,7 @@ bool readNoteMarks(const RunState &run, const char *text, std::int32_t &position
         break;
       case '+':
       case '-':
-        if (!run.name.quarterTones) {
+        if (!making.global.name.quarterTones) {
           ++position;
           return false;
         }
@@ -124,7 +127,7 @@ bool readNoteMarks(const RunState &run, const char *text, std::int32_t &position
   }
 }
 
-bool readNote(RunState &run, const char *text, std::int32_t &position, float &value) {
+bool readNote(Generation &making, const char *text, std::int32_t &position, float &value) {
   skipBlanksInLine(text, position);
   if (text[position] == 'r') {
     ++position;
@@ -136,7 +139,7 @@ bool readNote(RunState &run, const char *text, std::int32_t &position, float &va
     return false;
   }
   ++position;
-  if (!readNoteMarks(run, text, position, semitone)) {
+  if (!readNoteMarks(making, text, position, semitone)) {
     return false;
   }
   if (isDigit(text[position])) {
@@ -144,16 +147,16 @@ bool readNote(RunState &run, const char *text, std::int32_t &position, float &va
     if (!read_short(octave, text, position) || octave > kHighestOctave) {
       return false;
     }
-    run.pfield.noteOctave = octave;
+    making.pfield.noteOctave = octave;
   }
-  value = semitone + static_cast<float>(run.pfield.noteOctave) * kOctave +
-          (run.options.midi ? kOctave : 0.0F);
+  value = semitone + static_cast<float>(making.pfield.noteOctave) * kOctave +
+          (making.midi ? kOctave : 0.0F);
   return true;
 }
 
 // octave.pitch-class: 8.00 is 48, 8.01 is 49. The octave counts by its magnitude; in a score a
 // negative one negates the result.
-bool readPitch(RunState &run, const char *text, std::int32_t &position, float &value) {
+bool readPitch(Generation &making, const char *text, std::int32_t &position, float &value) {
   int octave = 0;
   if (!read_short(octave, text, position)) {
     return false;
@@ -164,7 +167,7 @@ bool readPitch(RunState &run, const char *text, std::int32_t &position, float &v
   }
   float magnitude = static_cast<float>(octave < 0 ? -octave : octave);
   value = fraction * 100.0F + magnitude * kOctave - 48.0F;
-  if (run.options.midi) {
+  if (making.midi) {
     value += kOctave;
   } else if (octave < 0) {
     value = -value;
@@ -194,11 +197,13 @@ const InputMode *findInputMode(CommandCode code) {
   return nullptr;
 }
 
-bool readValue(RunState &run, const char *text, std::int32_t &position, float &value) {
+bool readValue(Generation &making, const char *text, std::int32_t &position, float &value) {
   if (isLastValue(text[position])) {
     ++position;
-    value = run.pfield.lastValue;
+    value = making.pfield.lastValue;
     return true;
   }
-  return findInputMode(run.pfield.inputMode)->read(run, text, position, value);
+  return findInputMode(making.pfield.inputMode)->read(making, text, position, value);
 }
+
+}  // namespace korvo

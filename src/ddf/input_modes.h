@@ -5,13 +5,15 @@
 
 #include "reader/names.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
 
 struct InputMode {
   CommandCode code;
   bool (*mayBegin)(
       char c);  // whether a value in the text of a p-field may begin with this character
-  bool (*read)(RunState &run, const char *text, std::int32_t &position, float &value);
+  bool (*read)(Generation &making, const char *text, std::int32_t &position, float &value);
   bool forStarts;     // allowed in P2
   bool forDurations;  // allowed in P3
 };
@@ -22,4 +24,6 @@ const InputMode *findInputMode(CommandCode code);
 // Reads one value in the input mode of the present p-field: a number in "re", "in" and "db", a note
 // name in "no" (semitones), octave.pitch-class in "op" (semitones), a note length in "rh" (beats).
 // "z" stands for the last value. False when there is none or it is out of bounds.
-bool readValue(RunState &run, const char *text, std::int32_t &position, float &value);
+bool readValue(Generation &making, const char *text, std::int32_t &position, float &value);
+
+}  // namespace korvo

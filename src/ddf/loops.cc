@@ -6,46 +6,42 @@
 
 #include <cstdlib>
 
+#include "ddf/generation.h"
 #include "ddf/value_steps.h"
-#include "driver/run_state.h"
+
+namespace korvo {
 
 namespace {
 
 // In P2 of a block measured in beats there is no number of events that an inserted one could raise.
-void raiseTarget(RunState &run) {
-  if (run.block.target != 0) {
-    ++run.block.target;
+void raiseTarget(Generation &making) {
+  if (making.block.target != 0) {
+    ++making.block.target;
   }
 }
 
-ErrorCode holdLastValue(RunState &run, const SourceReader &source) {
-  while (!blockIsFull(run)) {
-    ErrorCode error = applyValue(run, source, run.pfield.lastValue);
-    if (error > 0) {
-      return error;
-    }
+ErrorCode holdLastValue(Generation &making, const SourceReader &source) {
+  while (!blockIsFull(making)) {
+    RETURN_IF_ERROR(applyValue(making, source, making.pfield.lastValue));
   }
   return kOk;
 }
 
 // Replays the loop until the block is full. Each inserted entry makes room for itself; the first
 // one's first turn has been provided for before the block was asked whether it is full.
-ErrorCode replayLoop(RunState &run, const SourceReader &source) {
-  const LoopRecord &loop = run.pfield.loop;
+ErrorCode replayLoop(Generation &making, const SourceReader &source) {
+  const LoopRecord &loop = making.pfield.loop;
   bool firstTurn = true;
-  for (std::uint32_t i = 0; !blockIsFull(run); i = (i + 1) % loop.count) {
+  for (std::uint32_t i = 0; !blockIsFull(making); i = (i + 1) % loop.count) {
     const LoopEntry &entry = loop.entries[i];
     if (entry.shared) {
-      run.pfield.insertRequest = true;
+      making.pfield.insertRequest = true;
       if (!firstTurn) {
-        raiseTarget(run);
+        raiseTarget(making);
       }
     }
     firstTurn = false;
-    ErrorCode error = applyValue(run, source, entry.value);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(applyValue(making, source, entry.value));
   }
   return kOk;
 }
@@ -82,35 +78,37 @@ bool recordValue(PfieldState &pfield, float value) {
   return true;
 }
 
-ErrorCode completePfield(RunState &run, const SourceReader &source) {
-  if (run.pfield.number == 2 && exceedsBlock(run, run.block.target)) {
+ErrorCode completePfield(Generation &making, const SourceReader &source) {
+  if (making.pfield.number == 2 && exceedsBlock(making, making.block.target)) {
     return kOutOfMemory;
   }
-  const LoopRecord &loop = run.pfield.loop;
+  const LoopRecord &loop = making.pfield.loop;
   if (!loop.hasUnshared) {
-    return holdLastValue(run, source);
+    return holdLastValue(making, source);
   }
-  if (run.pfield.number == 2) {
-    run.pfield.insertRequest = false;  // a ":" at the end of the loop asks nothing of its replay
+  if (making.pfield.number == 2) {
+    making.pfield.insertRequest = false;  // a ":" at the end of the loop asks nothing of its replay
   }
   if (loop.entries[0].shared) {
-    raiseTarget(run);
+    raiseTarget(making);
   }
-  return replayLoop(run, source);
+  return replayLoop(making, source);
 }
 
-void beginPfield(RunState &run, int number) {
+void beginPfield(Generation &making, int number) {
   PfieldState fresh;
   fresh.number = number;
-  fresh.noteOctave = run.pfield.noteOctave;
-  fresh.loop.entries = run.pfield.loop.entries;
-  fresh.loop.capacity = run.pfield.loop.capacity;
-  run.pfield = fresh;
-  run.settings.dv = 0.0F;
-  run.settings.pf = 1.0F;
+  fresh.noteOctave = making.pfield.noteOctave;
+  fresh.loop.entries = making.pfield.loop.entries;
+  fresh.loop.capacity = making.pfield.loop.capacity;
+  making.pfield = fresh;
+  making.global.settings.dv = 0.0F;
+  making.global.settings.pf = 1.0F;
 }
 
 void freeLoop(PfieldState &pfield) {
   std::free(pfield.loop.entries);
   pfield.loop = LoopRecord{};
 }
+
+}  // namespace korvo

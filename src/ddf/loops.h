@@ -1,10 +1,12 @@
 // Loops ("<" and ">") and the completion of p-fields that end before the block does.
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
+
+namespace korvo {
 
 struct PfieldState;
-struct RunState;
+struct Generation;
 struct SourceReader;
 
 // Opens a loop at "<" and closes it at ">". False when the mark is misplaced: ">" without an open
@@ -17,10 +19,12 @@ bool recordValue(PfieldState &pfield, float value);
 
 // Gives every event that has no value yet one: the values of the loop over and over, or, without a
 // loop, the last value. Draws as the value steps say, in the order of the events. Errors 32, 54.
-ErrorCode completePfield(RunState &run, const SourceReader &source);
+ErrorCode completePfield(Generation &making, const SourceReader &source);
 
 // Forgets everything of a p-field but the note octave, and begins p-field `number`.
-void beginPfield(RunState &run, int number);
+void beginPfield(Generation &making, int number);
 
 // Releases the loop's memory.
 void freeLoop(PfieldState &pfield);
+
+}  // namespace korvo

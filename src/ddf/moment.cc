@@ -1,9 +1,11 @@
 // A moment and a curve come in, a value between two ends goes out.
 #include "ddf/moment.h"
 
-#include "driver/run_state.h"
+#include "base/number_format.h"
+#include "ddf/generation.h"
 #include "global/curve.h"
-#include "output/number_format.h"
+
+namespace korvo {
 
 namespace {
 
@@ -17,7 +19,7 @@ float followEvents(const CurveSpec &curve, const Moment &moment, float from, flo
 
 }  // namespace
 
-void announceBeatMove(RunState &run, const CurveSpec &curve, const Moment &moment) {
+void announceBeatMove(Generation &making, const CurveSpec &curve, const Moment &moment) {
   if (moment.event == nullptr || !isBeatMove(curve)) {
     return;
   }
@@ -28,7 +30,7 @@ void announceBeatMove(RunState &run, const CurveSpec &curve, const Moment &momen
     *end++ = c;
   }
   end = writeFixed(end, static_cast<double>(moment.elapsed), 0, 6);
-  sayOnStandardOutput(run.screen, text, static_cast<std::size_t>(end - text));
+  sayOnStandardOutput(*making.messages, {text, static_cast<std::size_t>(end - text)});
 }
 
 float followCurve(const CurveSpec &curve, const Moment &moment, float from, float to) {
@@ -41,3 +43,5 @@ float followCurve(const CurveSpec &curve, const Moment &moment, float from, floa
   }
   return followEvents(curve, moment, from, to);
 }
+
+}  // namespace korvo

@@ -1,38 +1,34 @@
 // MO: MO(T 1 l [0 1] [10 20]).
 #include "ddf/arguments.h"
+#include "ddf/generation.h"
 #include "ddf/generator.h"
 #include "ddf/moment.h"
 #include "ddf/ranges.h"
-#include "driver/run_state.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
 
-ErrorCode readMoveSegment(RunState &run, SourceReader &source, Segment &segment) {
-  ErrorCode error = readCurveSpec(run, source, segment.curve);
-  if (error <= 0) {
-    error = skip_separator(run, source);
-  }
-  if (error <= 0) {
-    error = readRange(run, source, segment.first);
-  }
-  if (error <= 0) {
-    error = skip_separator(run, source);
-  }
-  if (error <= 0) {
-    error = readRange(run, source, segment.second);
-  }
-  return error;
+namespace korvo {
+
+ErrorCode readMoveSegment(Generation &making, SourceReader &source, Segment &segment) {
+  RETURN_IF_ERROR(readCurveSpec(making, source, segment.curve));
+  RETURN_IF_ERROR(skip_separator(source));
+  RETURN_IF_ERROR(readRange(making, source, segment.first));
+  RETURN_IF_ERROR(skip_separator(source));
+  return readRange(making, source, segment.second);
 }
 
-ErrorCode checkMoveSegment(const RunState &run, const Segment &segment) {
+ErrorCode checkMoveSegment(const Generation &making, const Segment &segment) {
   bool touchesZero =
-      touchesZeroInterval(run, segment.first) || touchesZeroInterval(run, segment.second);
+      touchesZeroInterval(making, segment.first) || touchesZeroInterval(making, segment.second);
   return touchesZero ? kZeroStartRange : kOk;
 }
 
-ErrorCode moveValue(RunState &run, Segment &segment, const Moment &moment, float &value) {
-  announceBeatMove(run, segment.curve, moment);
-  float from = drawFromRange(segment.first);
-  float to = drawFromRange(segment.second);
+ErrorCode moveValue(Generation &making, Segment &segment, const Moment &moment, float &value) {
+  announceBeatMove(making, segment.curve, moment);
+  float from = drawFromRange(making.global.random, segment.first);
+  float to = drawFromRange(making.global.random, segment.second);
   value = followCurve(segment.curve, moment, from, to);
   return kOk;
 }
+
+}  // namespace korvo

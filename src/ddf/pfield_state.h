@@ -7,6 +7,8 @@
 #include "ddf/event_list.h"
 #include "reader/names.h"
 
+namespace korvo {
+
 // One value of a loop, and whether its event was inserted to start together with the one before.
 struct LoopEntry {
   float value;
@@ -39,3 +41,5 @@ struct PfieldState {
   LoopRecord loop;
   int noteOctave = 0;  // the octave of the last note that gave one
 };
+
+}  // namespace korvo

@@ -3,50 +3,47 @@
 // begins at its start.
 #include <utility>
 
+#include "base/numbers.h"
+#include "base/random.h"
 #include "ddf/arguments.h"
-#include "ddf/draw.h"
+#include "ddf/generation.h"
 #include "ddf/generator.h"
-#include "driver/run_state.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
 constexpr double kNarrowestWindow = 0.00001;  // a narrower one leaves the walk where it is
 
 // Reads a bound and the separator behind it.
-ErrorCode readBound(RunState &run, SourceReader &source, float &bound) {
-  ErrorCode error = readArgument(run, source, kBadWalkRange, bound);
-  return error > 0 ? error : skip_separator(run, source);
+ErrorCode readBound(Generation &making, SourceReader &source, float &bound) {
+  RETURN_IF_ERROR(readArgument(making, source, kBadWalkRange, bound));
+  return skip_separator(source);
 }
 
 // Steps over `bracket` and the separator behind it, if it stands there.
-ErrorCode skipBracket(RunState &run, SourceReader &source, char bracket) {
+ErrorCode skipBracket(SourceReader &source, char bracket) {
   if (current(source) != bracket) {
     return kOk;
   }
   ++source.position;
-  return skip_separator(run, source);
+  return skip_separator(source);
 }
 
-ErrorCode readBounds(RunState &run, SourceReader &source, Range &range) {
-  ErrorCode error = skipBracket(run, source, '[');
-  if (error <= 0) {
-    error = readBound(run, source, range.low);
-  }
-  if (error <= 0) {
-    error = readBound(run, source, range.high);
-  }
-  if (error <= 0) {
-    error = skipBracket(run, source, ']');
-  }
+ErrorCode readBounds(Generation &making, SourceReader &source, Range &range) {
+  RETURN_IF_ERROR(skipBracket(source, '['));
+  RETURN_IF_ERROR(readBound(making, source, range.low));
+  RETURN_IF_ERROR(readBound(making, source, range.high));
+  RETURN_IF_ERROR(skipBracket(source, ']'));
   if (range.low > range.high) {
     std::swap(range.low, range.high);
   }
-  return error;
+  return kOk;
 }
 
-float stepWithin(float position, float window) {
+float stepWithin(Random &random, float position, float window) {
   float low = position - window / 2.0F;
   float high = position + window / 2.0F;
   if (low < 0.0F) {
@@ -58,32 +55,23 @@ float stepWithin(float position, float window) {
   }
   float u = 0.0F;
   do {
-    u = drawUnit();
+    u = drawUnit(random);
   } while (u < low || u > high);
   return u;
 }
 
 }  // namespace
 
-ErrorCode readWalkSegment(RunState &run, SourceReader &source, Segment &segment) {
+ErrorCode readWalkSegment(Generation &making, SourceReader &source, Segment &segment) {
   Range &range = segment.first;
-  ErrorCode error = readBounds(run, source, range);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(readBounds(making, source, range));
   bool readable = read_float(segment.window, source.line, source.position);
   if (!readable || segment.window < 0.0F || segment.window > 1.0F) {
     return kBadWindow;
   }
-  error = skip_separator(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_separator(source));
   float start = 0.0F;
-  error = readArgument(run, source, kBadWalkStart, start);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(readArgument(making, source, kBadWalkStart, start));
   if (start < range.low || start > range.high) {
     return kBadWalkStart;
   }
@@ -92,13 +80,15 @@ ErrorCode readWalkSegment(RunState &run, SourceReader &source, Segment &segment)
   return kOk;
 }
 
-ErrorCode walkValue(RunState & /*run*/, Segment &segment, const Moment & /*moment*/, float &value) {
+ErrorCode walkValue(Generation &making, Segment &segment, const Moment & /*moment*/, float &value) {
   const Range &range = segment.first;
   value = range.low + (range.high - range.low) * segment.walkPosition;
   if (static_cast<double>(segment.window) < kNarrowestWindow) {
-    drawUnit();
+    drawUnit(making.global.random);
   } else {
-    segment.walkPosition = stepWithin(segment.walkPosition, segment.window);
+    segment.walkPosition = stepWithin(making.global.random, segment.walkPosition, segment.window);
   }
   return kOk;
 }
+
+}  // namespace korvo

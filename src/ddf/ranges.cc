@@ -7,49 +7,51 @@
 #include <cmath>
 #include <cstring>
 
-#include "ddf/draw.h"
-#include "reader/characters.h"
+#include "base/characters.h"
+#include "base/random.h"
+
+namespace korvo {
 
 namespace {
 
 constexpr char kLetters[] = "flhtgxb";  // in the order of the types
 
-float drawNonZero() {
+float drawNonZero(Random &random) {
   float u = 0.0F;
   do {
-    u = drawUnit();
+    u = drawUnit(random);
   } while (u == 0.0F);
   return u;
 }
 
-float uniform() { return drawUnit(); }
+float uniform(Random &random) { return drawUnit(random); }
 
-float towardsLow() {
-  double logarithm = std::log(static_cast<double>(drawNonZero()));
+float towardsLow(Random &random) {
+  double logarithm = std::log(static_cast<double>(drawNonZero(random)));
   return std::min(static_cast<float>(logarithm / static_cast<double>(-6.9078F)), 1.0F);
 }
 
-float towardsHigh() { return 1.0F - towardsLow(); }
+float towardsHigh(Random &random) { return 1.0F - towardsLow(random); }
 
-float triangular() {
-  float u1 = drawUnit();
-  float u2 = drawUnit();
+float triangular(Random &random) {
+  float u1 = drawUnit(random);
+  float u2 = drawUnit(random);
   return (u1 + u2) / 2.0F;
 }
 
-float bell() {
+float bell(Random &random) {
   float sum = 0.0F;
   for (int i = 0; i < 12; ++i) {
-    sum += drawUnit();
+    sum += drawUnit(random);
   }
   double weight = (static_cast<double>(sum) - 6.0) * 0.155 + 0.5;
   return static_cast<float>(std::clamp(weight, 0.0, 1.0));
 }
 
-float doubleExponential() {
+float doubleExponential(Random &random) {
   float t = 0.0F;
   do {
-    t = 2.0F * drawUnit();
+    t = 2.0F * drawUnit(random);
   } while (t == 0.0F || t == 2.0F);
   double sign = 1.0;
   if (t > 1.0F) {
@@ -60,18 +62,18 @@ float doubleExponential() {
   return std::clamp(weight, -0.5F, 0.5F) + 0.5F;
 }
 
-float bothEnds() {
+float bothEnds(Random &random) {
   for (;;) {
-    float y1 = static_cast<float>(std::pow(static_cast<double>(drawNonZero()), 5.0));
-    float y2 = static_cast<float>(std::pow(static_cast<double>(drawNonZero()), 5.0));
+    float y1 = static_cast<float>(std::pow(static_cast<double>(drawNonZero(random)), 5.0));
+    float y2 = static_cast<float>(std::pow(static_cast<double>(drawNonZero(random)), 5.0));
     if (y1 + y2 <= 1.0F) {
       return y1 / (y1 + y2);
     }
   }
 }
 
-constexpr float (*kWeights[])() = {uniform, towardsLow,        towardsHigh, triangular,
-                                   bell,    doubleExponential, bothEnds};
+constexpr float (*kWeights[])(Random &) = {uniform, towardsLow,        towardsHigh, triangular,
+                                           bell,    doubleExponential, bothEnds};
 
 }  // namespace
 
@@ -85,7 +87,9 @@ int takeDistribution(const char *text, std::int32_t &position) {
   return static_cast<int>(found - kLetters);
 }
 
-float drawFromRange(const Range &range) {
-  float weight = kWeights[range.distribution]();
+float drawFromRange(Random &random, const Range &range) {
+  float weight = kWeights[range.distribution](random);
   return range.low + (range.high - range.low) * weight;
 }
+
+}  // namespace korvo

@@ -5,6 +5,10 @@
 
 #include "ddf/segment_table.h"
 
+namespace korvo {
+
+struct Random;
+
 // The type letters that may open a bracket: none or "f" is type 0.
 //   0 f  uniform
 //   1 l  exponential, towards the low end
@@ -19,4 +23,6 @@ int takeDistribution(const char *text, std::int32_t &position);
 
 // A value of the range. Draws: type 0 one; 1 and 2 one, again while it is 0; 3 two; 4 twelve; 5
 // one, again while it is 0 or 1; 6 pairs (each again while 0) until the pair fits.
-float drawFromRange(const Range &range);
+float drawFromRange(Random &random, const Range &range);
+
+}  // namespace korvo

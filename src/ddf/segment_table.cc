@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace korvo {
+
 namespace {
 
 constexpr std::uint32_t kMaxPoolItems = 1U << 30;
@@ -76,3 +78,5 @@ void freeSegments(SegmentTable &table) {
   release(table.terms);
   release(table.usedFlags);
 }
+
+}  // namespace korvo

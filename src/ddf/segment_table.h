@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace korvo {
+
 inline constexpr int kMaxSegments = 128;
 // In one list of MS and SE, and values or groups of S2.
 inline constexpr std::uint32_t kMaxListValues = 65536;
@@ -99,3 +101,5 @@ void clearSegments(SegmentTable &table);
 
 // Releases the pools.
 void freeSegments(SegmentTable &table);
+
+}  // namespace korvo

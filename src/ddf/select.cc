@@ -1,19 +1,24 @@
 // SE: SE(8 0.5 [1 2 3] 0.5 * [10 20 30]).
 #include "ddf/arguments.h"
+#include "ddf/generation.h"
 #include "ddf/generator.h"
 #include "ddf/selection.h"
-#include "driver/run_state.h"
+#include "preproc/source_reader.h"
 
-ErrorCode readSelectSegment(RunState &run, SourceReader &source, Segment &segment) {
-  ErrorCode error = readSelectionMode(run, source, segment.selection.mode);
-  if (error <= 0) {
-    error = readList(run, source, segment.list);
-  }
-  return error > 0 ? error : beginSelection(run.segments, segment.selection, segment.list.count);
+namespace korvo {
+
+ErrorCode readSelectSegment(Generation &making, SourceReader &source, Segment &segment) {
+  RETURN_IF_ERROR(readSelectionMode(source, segment.selection.mode));
+  RETURN_IF_ERROR(readList(making, source, segment.list));
+  return beginSelection(making.segments, segment.selection, segment.list.count);
 }
 
-ErrorCode selectValue(RunState &run, Segment &segment, const Moment & /*moment*/, float &value) {
-  std::uint32_t index = selectIndex(run.segments, segment.selection, segment.list.count);
-  value = run.segments.values.items[segment.list.first + index];
+ErrorCode selectValue(Generation &making, Segment &segment, const Moment & /*moment*/,
+                      float &value) {
+  std::uint32_t index =
+      selectIndex(making.segments, making.global.random, segment.selection, segment.list.count);
+  value = making.segments.values.items[segment.list.first + index];
   return kOk;
 }
+
+}  // namespace korvo

@@ -3,7 +3,9 @@
 
 #include <cstring>
 
-#include "ddf/draw.h"
+#include "base/random.h"
+
+namespace korvo {
 
 ErrorCode beginSelection(SegmentTable &table, Selection &selection, std::uint32_t count) {
   if (count == 1) {
@@ -18,11 +20,12 @@ ErrorCode beginSelection(SegmentTable &table, Selection &selection, std::uint32_
   return addFlags(table.usedFlags, count) ? kOk : kOutOfMemory;
 }
 
-std::uint32_t selectIndex(SegmentTable &table, Selection &selection, std::uint32_t count) {
-  std::uint32_t index = drawIndex(count);
+std::uint32_t selectIndex(SegmentTable &table, Random &random, Selection &selection,
+                          std::uint32_t count) {
+  std::uint32_t index = drawIndex(random, count);
   if (selection.mode == kNoRepeat) {
     while (index == selection.lastIndex) {
-      index = drawIndex(count);
+      index = drawIndex(random, count);
     }
   } else if (selection.mode == kExhaustive) {
     unsigned char *used = table.usedFlags.items + selection.flags;
@@ -31,7 +34,7 @@ std::uint32_t selectIndex(SegmentTable &table, Selection &selection, std::uint32
       selection.used = 0;
     }
     while (used[index] != 0) {
-      index = drawIndex(count);
+      index = drawIndex(random, count);
     }
     used[index] = 1;
     ++selection.used;
@@ -39,3 +42,5 @@ std::uint32_t selectIndex(SegmentTable &table, Selection &selection, std::uint32
   selection.lastIndex = index;
   return index;
 }
+
+}  // namespace korvo

@@ -3,9 +3,12 @@
 
 #include <cstdint>
 
+#include "base/error_code.h"
 #include "ddf/segment_table.h"
-#include "driver/error_code.h"
 
+namespace korvo {
+
+struct Random;
 struct SegmentTable;
 
 // Makes a selection ready for a list of `count` items; one item is always selected freely.
@@ -14,4 +17,7 @@ ErrorCode beginSelection(SegmentTable &table, Selection &selection, std::uint32_
 
 // The next item's number. One draw; in the modes "*" and "x" drawn again until an item comes that
 // may be taken.
-std::uint32_t selectIndex(SegmentTable &table, Selection &selection, std::uint32_t count);
+std::uint32_t selectIndex(SegmentTable &table, Random &random, Selection &selection,
+                          std::uint32_t count);
+
+}  // namespace korvo

@@ -1,38 +1,35 @@
 // MS: MS(T 1 e [1 2 3] [10 20]).
+#include "base/random.h"
 #include "ddf/arguments.h"
-#include "ddf/draw.h"
+#include "ddf/generation.h"
 #include "ddf/generator.h"
 #include "ddf/moment.h"
-#include "driver/run_state.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
 
-ErrorCode readTwoListSegment(RunState &run, SourceReader &source, Segment &segment) {
-  ErrorCode error = readCurveSpec(run, source, segment.curve);
-  if (error <= 0) {
-    error = skip_separator(run, source);
-  }
-  if (error <= 0) {
-    error = readList(run, source, segment.list);
-  }
-  if (error <= 0) {
-    error = skip_separator(run, source);
-  }
-  if (error <= 0) {
-    error = readList(run, source, segment.secondList);
-  }
-  return error;
+namespace korvo {
+
+ErrorCode readTwoListSegment(Generation &making, SourceReader &source, Segment &segment) {
+  RETURN_IF_ERROR(readCurveSpec(making, source, segment.curve));
+  RETURN_IF_ERROR(skip_separator(source));
+  RETURN_IF_ERROR(readList(making, source, segment.list));
+  RETURN_IF_ERROR(skip_separator(source));
+  return readList(making, source, segment.secondList);
 }
 
 // The chance of the first list goes from 1 to 0 along the curve. In P2 a curve of the user's own is
 // a straight line.
-ErrorCode twoListValue(RunState &run, Segment &segment, const Moment &moment, float &value) {
+ErrorCode twoListValue(Generation &making, Segment &segment, const Moment &moment, float &value) {
   CurveSpec curve = segment.curve;
   if (moment.event == nullptr) {
     curve.exponent = 1.0F;
   }
-  announceBeatMove(run, curve, moment);
+  announceBeatMove(making, curve, moment);
   float chance = followCurve(curve, moment, 1.0F, 0.0F);
-  const ListSlice &list = chance < drawUnit() ? segment.secondList : segment.list;
-  value = run.segments.values.items[list.first + drawIndex(list.count)];
+  const ListSlice &list =
+      chance < drawUnit(making.global.random) ? segment.secondList : segment.list;
+  value = making.segments.values.items[list.first + drawIndex(making.global.random, list.count)];
   return kOk;
 }
+
+}  // namespace korvo

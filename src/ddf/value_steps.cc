@@ -6,63 +6,66 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
-#include "ddf/draw.h"
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
+#include "base/arithmetic.h"
+#include "base/number_format.h"
+#include "base/random.h"
+#include "ddf/generation.h"
+#include "preproc/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
 constexpr int kMostStuckEvents = 65536;
 
 // A value spread by a fraction of itself around itself. One draw.
-float deviate(float value, float fraction) {
-  float u = drawUnit();
+float deviate(Random &random, float value, float fraction) {
+  float u = drawUnit(random);
   float d = value * fraction;
   return value - d / 2.0F + d * u;
 }
 
-bool isMeasuredInBeats(const RunState &run) { return run.block.target == 0; }
+bool isMeasuredInBeats(const Generation &making) { return making.block.target == 0; }
 
-void countEvent(RunState &run) {
-  ++run.pfield.filled;
-  run.pfield.dataSeen = true;
-  if (countProgress(run.progress)) {
-    char stage[16];
-    std::snprintf(stage, sizeof stage, "P%d", run.pfield.number);
-    drawProgress(run, stage, run.pfield.filled);
+void countEvent(Generation &making) {
+  ++making.pfield.filled;
+  making.pfield.dataSeen = true;
+  if (countStep(making.steps)) {
+    char stage[16] = "P";
+    *writeInteger(stage + 1, making.pfield.number, 0) = '\0';
+    tellProgress(making, stage, making.pfield.filled);
   }
 }
 
 // Where the new event starts: with the event before it when that was asked for, else behind it.
-void placeEvent(RunState &run, std::uint32_t made) {
-  EventRecord &event = eventAt(run.events, made);
-  BlockState &block = run.block;
-  if (run.pfield.cursor == kNoEvent) {
+void placeEvent(Generation &making, std::uint32_t made) {
+  EventRecord &event = eventAt(making.events, made);
+  BlockState &block = making.block;
+  if (making.pfield.cursor == kNoEvent) {
     event.start = block.header.start;
-    event.beat = run.tempo.beat;
-  } else if (run.pfield.insertRequest) {
-    const EventRecord &previous = eventAt(run.events, run.pfield.cursor);
-    run.pfield.inserted = made;
+    event.beat = making.global.tempo.beat;
+  } else if (making.pfield.insertRequest) {
+    const EventRecord &previous = eventAt(making.events, making.pfield.cursor);
+    making.pfield.inserted = made;
     event.flag = 1;
     event.start = previous.start;
     event.beat = previous.beat;
   } else {
     event.start = block.lastStart + block.lastRhythm;
-    event.beat = run.tempo.beat;
+    event.beat = making.global.tempo.beat;
   }
-  run.pfield.insertRequest = false;
+  making.pfield.insertRequest = false;
 }
 
 // Moves the beat clock; error 54 when it has stood still for too long in a block that ends by the
 // clock.
-ErrorCode moveClock(RunState &run, float beats) {
-  float moved = run.tempo.beat + std::fabs(beats);
-  bool stuck = isMeasuredInBeats(run) && !(moved > run.tempo.beat);
-  run.block.stuckEvents = stuck ? run.block.stuckEvents + 1 : 0;
-  run.tempo.beat = moved;
-  return run.block.stuckEvents > kMostStuckEvents ? kZeroInterval : kOk;
+ErrorCode moveClock(Generation &making, float beats) {
+  float moved = making.global.tempo.beat + std::fabs(beats);
+  bool stuck = isMeasuredInBeats(making) && !(moved > making.global.tempo.beat);
+  making.block.stuckEvents = stuck ? making.block.stuckEvents + 1 : 0;
+  making.global.tempo.beat = moved;
+  return making.block.stuckEvents > kMostStuckEvents ? kZeroInterval : kOk;
 }
 
 // The bands of P3: the code that a magnitude belongs to.
@@ -81,81 +84,79 @@ float durationCode(float magnitude) {
 
 }  // namespace
 
-bool blockIsFull(const RunState &run) {
-  return isMeasuredInBeats(run) ? run.tempo.beat >= run.block.endBeat
-                                : run.pfield.filled >= run.block.target;
+bool blockIsFull(const Generation &making) {
+  return isMeasuredInBeats(making) ? making.global.tempo.beat >= making.block.endBeat
+                                   : making.pfield.filled >= making.block.target;
 }
 
-bool exceedsBlock(const RunState &run, std::int64_t more) {
-  std::int64_t wanted = std::min(more, run.block.target - run.pfield.filled);
-  return !isMeasuredInBeats(run) &&
-         wanted > static_cast<std::int64_t>(kMaxEvents - run.events.count);
+bool exceedsBlock(const Generation &making, std::int64_t more) {
+  std::int64_t wanted = std::min(more, making.block.target - making.pfield.filled);
+  return !isMeasuredInBeats(making) &&
+         wanted > static_cast<std::int64_t>(kMaxEvents - making.events.count);
 }
 
-void startClock(RunState &run) {
-  const IBlockHeader &header = run.block.header;
-  float startBeat = TempoAtBeat(run.tempo, header.start) / 60.0F * header.start;
-  run.tempo.beat = startBeat;
-  run.block.endBeat = startBeat + header.length;
-  run.block.stuckEvents = 0;
+void startClock(Generation &making) {
+  const IBlockHeader &header = making.block.header;
+  float startBeat = TempoAtBeat(making.global.tempo, header.start) / 60.0F * header.start;
+  making.global.tempo.beat = startBeat;
+  making.block.endBeat = startBeat + header.length;
+  making.block.stuckEvents = 0;
 }
 
-ErrorCode startStep(RunState &run, float value, ZeroInterval zero) {
-  float seconds = BeatsToSeconds(run, value);
-  if (zero == ZeroInterval::kError && isMeasuredInBeats(run) && seconds == 0.0F) {
+ErrorCode startStep(Generation &making, float value, ZeroInterval zero) {
+  float seconds = BeatsToSeconds(making.global.tempo, *making.messages, value);
+  if (zero == ZeroInterval::kError && isMeasuredInBeats(making) && seconds == 0.0F) {
     return kZeroInterval;
   }
-  float rhythm = deviate(seconds, run.settings.rd + run.settings.dv);
-  std::uint32_t made = run.events.count < kMaxEvents ? makeEvent(run.events) : kNoEvent;
+  float rhythm =
+      deviate(making.global.random, seconds, making.global.settings.rd + making.global.settings.dv);
+  std::uint32_t made = making.events.count < kMaxEvents ? makeEvent(making.events) : kNoEvent;
   if (made == kNoEvent) {
     return kOutOfMemory;
   }
-  EventRecord &event = eventAt(run.events, made);
-  placeEvent(run, made);
+  EventRecord &event = eventAt(making.events, made);
+  placeEvent(making, made);
   event.duration = rhythm;
-  appendEvent(run.events, made);
-  run.pfield.cursor = made;
-  run.block.lastStart = event.start;
-  run.block.lastRhythm = std::fabs(rhythm);
-  countEvent(run);
-  return moveClock(run, value);
+  appendEvent(making.events, made);
+  making.pfield.cursor = made;
+  making.block.lastStart = event.start;
+  making.block.lastRhythm = std::fabs(rhythm);
+  countEvent(making);
+  return moveClock(making, value);
 }
 
-std::uint32_t peekNextEvent(const RunState &run) {
-  std::uint32_t cursor = run.pfield.cursor;
-  return cursor == kNoEvent ? firstEvent(run.events) : eventAt(run.events, cursor).next;
+std::uint32_t peekNextEvent(const Generation &making) {
+  std::uint32_t cursor = making.pfield.cursor;
+  return cursor == kNoEvent ? firstEvent(making.events) : eventAt(making.events, cursor).next;
 }
 
-ErrorCode insertPending(RunState &run) {
-  if (!run.pfield.insertRequest) {
+ErrorCode insertPending(Generation &making) {
+  if (!making.pfield.insertRequest) {
     return kOk;
   }
-  run.pfield.insertRequest = false;
-  run.pfield.inserted = copyEventBehind(run.events, run.pfield.cursor);
-  if (run.pfield.inserted == kNoEvent) {
+  making.pfield.insertRequest = false;
+  making.pfield.inserted = copyEventBehind(making.events, making.pfield.cursor);
+  if (making.pfield.inserted == kNoEvent) {
     return kOutOfMemory;
   }
-  eventAt(run.events, run.pfield.inserted).flag = 1;
+  eventAt(making.events, making.pfield.inserted).flag = 1;
   return kOk;
 }
 
-ErrorCode nextEvent(RunState &run, EventRecord *&event) {
-  ErrorCode error = insertPending(run);
-  if (error > 0) {
-    return error;
-  }
-  run.pfield.cursor = peekNextEvent(run);
-  event = &eventAt(run.events, run.pfield.cursor);
-  countEvent(run);
+ErrorCode nextEvent(Generation &making, EventRecord *&event) {
+  RETURN_IF_ERROR(insertPending(making));
+  making.pfield.cursor = peekNextEvent(making);
+  event = &eventAt(making.events, making.pfield.cursor);
+  countEvent(making);
   return kOk;
 }
 
-void durationStep(RunState &run, const SourceReader &source, EventRecord &event, float value) {
+void durationStep(Generation &making, const SourceReader &source, EventRecord &event, float value) {
   float magnitude = std::fabs(value);
   float code = durationCode(magnitude);
   float x = std::copysign(magnitude - code, value);
-  x = deviate(x, run.settings.rd);
-  x = deviate(x, run.settings.dv);
+  x = deviate(making.global.random, x, making.global.settings.rd);
+  x = deviate(making.global.random, x, making.global.settings.dv);
   float rhythm = event.duration;
   float duration = x;  // seconds
   if (code == 0.0F) {
@@ -164,41 +165,41 @@ void durationStep(RunState &run, const SourceReader &source, EventRecord &event,
     duration = x + rhythm;
   } else if (code == 300.0F) {
     if (x < rhythm) {  // the reverse of what the warning says; composers know it this way round
-      warn(run, source, kDurationBelowZero);
+      warn(source, kDurationBelowZero);
     }
     duration = rhythm - x;
   } else if (code == 400.0F) {
-    duration = x * (60.0F / run.tempo.current);
+    duration = x * (60.0F / making.global.tempo.current);
   }
-  event.duration = duration * run.settings.pf;
+  event.duration = duration * making.global.settings.pf;
 }
 
-float parameterStep(RunState &run, EventRecord &event, float value) {
-  value = deviate(value, run.settings.rd + run.settings.dv);
-  bool isPitch = run.pfield.inputMode == kNO || run.pfield.inputMode == kOP;
-  if (isPitch && !run.name.quarterTones) {
+float parameterStep(Generation &making, EventRecord &event, float value) {
+  value =
+      deviate(making.global.random, value, making.global.settings.rd + making.global.settings.dv);
+  bool isPitch = making.pfield.inputMode == kNO || making.pfield.inputMode == kOP;
+  if (isPitch && !making.global.name.quarterTones) {
     value = roundHalfUp(value);
   }
-  valuesOf(event)[run.pfield.number - 4] = value * run.settings.pf;
+  valuesOf(event)[making.pfield.number - 4] = value * making.global.settings.pf;
   return value;
 }
 
-ErrorCode applyValue(RunState &run, const SourceReader &source, float value) {
-  if (run.pfield.number == 2) {
-    return startStep(run, value, ZeroInterval::kError);
+ErrorCode applyValue(Generation &making, const SourceReader &source, float value) {
+  if (making.pfield.number == 2) {
+    return startStep(making, value, ZeroInterval::kError);
   }
   EventRecord *event = nullptr;
-  ErrorCode error = nextEvent(run, event);
-  if (error > 0) {
-    return error;
-  }
-  if (run.pfield.number == 3) {
-    durationStep(run, source, *event, value);
+  RETURN_IF_ERROR(nextEvent(making, event));
+  if (making.pfield.number == 3) {
+    durationStep(making, source, *event, value);
     return kOk;
   }
-  if (run.pfield.inputMode == kNO && value < 0.0F) {
+  if (making.pfield.inputMode == kNO && value < 0.0F) {
     event->duration = -event->duration;
   }
-  parameterStep(run, *event, value);
+  parameterStep(making, *event, value);
   return kOk;
 }
+
+}  // namespace korvo

@@ -8,22 +8,24 @@
 
 #include <cstdint>
 
+#include "base/error_code.h"
 #include "ddf/event_list.h"
-#include "driver/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
 struct SourceReader;
 
 // Whether the block has all the events that its length asks for: by number where that is known,
 // else by the beat clock.
-bool blockIsFull(const RunState &run);
+bool blockIsFull(const Generation &making);
 
 // Whether a block measured in events can never get `more` further events in P2, so that it is no
 // use to begin with them: error 32 would be certain after many seconds.
-bool exceedsBlock(const RunState &run, std::int64_t more);
+bool exceedsBlock(const Generation &making, std::int64_t more);
 
 // Starts the beat clock of a block: at the block's start in beats, measured with the tempo there.
-void startClock(RunState &run);
+void startClock(Generation &making);
 
 enum class ZeroInterval { kAllowed, kError };
 
@@ -31,30 +33,32 @@ enum class ZeroInterval { kAllowed, kError };
 // that converts to 0 is error 54 in a block measured in beats; there more than 65,536 events in a
 // row that do not move the clock, since they are too short for it, are that error in any case.
 // Error 32 when there is no room for the event. One draw.
-ErrorCode startStep(RunState &run, float value, ZeroInterval zero);
+ErrorCode startStep(Generation &making, float value, ZeroInterval zero);
 
 // The event that the next value of P3 and above belongs to. With an insert request pending it is a
 // copy of the event filled last, made right behind it. Error 32.
-ErrorCode nextEvent(RunState &run, EventRecord *&event);
+ErrorCode nextEvent(Generation &making, EventRecord *&event);
 
 // Makes that copy at once, if a request is pending, so that the event filled next is the copy. For
 // data functions, whose events are counted before they are filled. Error 32.
-ErrorCode insertPending(RunState &run);
+ErrorCode insertPending(Generation &making);
 
 // The event behind the one filled last, whether or not it is filled next.
-std::uint32_t peekNextEvent(const RunState &run);
+std::uint32_t peekNextEvent(const Generation &making);
 
 // Gives `event` its duration from the P3 value `value`, by its band: a factor of the rhythm (below
 // 200), the rhythm plus (200), the rhythm less (300), beats (400), seconds (1000). May warn (1).
 // Two draws: RD, then DV.
-void durationStep(RunState &run, const SourceReader &source, EventRecord &event, float value);
+void durationStep(Generation &making, const SourceReader &source, EventRecord &event, float value);
 
 // Stores `value` in `event` for the present p-field, P4 or above, deviated, rounded to whole
 // semitones where the input mode is NO or OP without quarter tones, times PF. Returns the value
 // before PF. One draw.
-float parameterStep(RunState &run, EventRecord &event, float value);
+float parameterStep(Generation &making, EventRecord &event, float value);
 
 // The one way of a value that stands in the text, is repeated, replayed or held: through the step
 // of its p-field. In NO mode from P4 on a negative value (a rest) negates the event's duration.
 // Errors 32, 54.
-ErrorCode applyValue(RunState &run, const SourceReader &source, float value);
+ErrorCode applyValue(Generation &making, const SourceReader &source, float value);
+
+}  // namespace korvo

@@ -1,42 +1,20 @@
-// The one state of a run, handed to every function that needs more than the text before it. Plain
-// records, one for each room; the headers of the rooms say what is in them.
+// The one state of a run: the text that is read, the block that is made from it, and where both go.
 #pragma once
 
-#include "ddf/event_list.h"
-#include "ddf/pfield_state.h"
-#include "ddf/segment_table.h"
-#include "ddf/settings.h"
-#include "driver/messages.h"
-#include "driver/options.h"
-#include "driver/progress.h"
-#include "global/tempo_map.h"
-#include "iblock/block_state.h"
-#include "output/output_buffer.h"
-#include "preproc/conditional.h"
-#include "preproc/constants.h"
-#include "preproc/macros.h"
-#include "reader/names.h"
-#include "reader/source_reader.h"
+#include "base/messages.h"
+#include "base/output_buffer.h"
+#include "ddf/generation.h"
+#include "korvo/korvo.h"
+#include "preproc/source_reader.h"
 
-struct RunState {
-  Options options;
-  Screen screen;
-  Progress progress;
-  OutputBuffer output;     // the score or the MIDI file
-  OutputBuffer expansion;  // the file of -x; its stream is null without
+namespace korvo {
 
-  MacroTable macros;
-  ConstTable constants;
-  ConditionalState conditional;
-  NameLookup name;
-  TempoMap tempo;
-  RunSettings settings;
-
-  BlockState block;
-  EventList events;
-  PfieldState pfield;
-  SegmentTable segments;
-
-  double lastBlockSeconds = 0.0;   // the duration of the last i-block ("@1")
-  double cumulativeSeconds = 0.0;  // the latest end that any i-block has reached ("@2")
+// The name is the public one: for callers it is a thing to hand back.
+struct Run {
+  Messages messages;
+  SourceReader source;
+  Generation making;
+  OutputBuffer output;
 };
+
+}  // namespace korvo

@@ -4,9 +4,11 @@
 #include <cmath>
 #include <cstring>
 
-#include "global/arithmetic.h"
-#include "reader/characters.h"
-#include "reader/numbers.h"
+#include "base/arithmetic.h"
+#include "base/characters.h"
+#include "base/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -69,3 +71,5 @@ float CurveValue(float type, float x, float length, float from, float to, float 
   double u = static_cast<double>(x) / static_cast<double>(length);
   return interpolate(shape, u, from, to, exponent);
 }
+
+}  // namespace korvo

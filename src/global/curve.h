@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace korvo {
+
 enum CurveType : int {
   kLine = 0,          // u
   kPower = 1,         // u squared
@@ -24,3 +26,5 @@ float interpolate(int type, double u, float from, float to, float exponent);
 // The value at `x` on the way from `from` (x <= 0) to `to` (x >= length, which is tested first, or
 // a type that is none of CurveType). The fraction of the type is dropped.
 float CurveValue(float type, float x, float length, float from, float to, float exponent);
+
+}  // namespace korvo

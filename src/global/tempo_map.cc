@@ -3,11 +3,13 @@
 // first that starts later: one given out of order hides those behind it.
 #include "global/tempo_map.h"
 
-#include "driver/run_state.h"
+#include "base/characters.h"
+#include "base/numbers.h"
 #include "global/curve.h"
-#include "reader/characters.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -23,35 +25,31 @@ bool timeIsOutOfRange(float time) { return time > kLatestTime || time < 0.0F; }
 
 bool tempoIsOutOfRange(float tempo) { return tempo > kFastestTempo || tempo < kSlowestTempo; }
 
-void warnOfTempo(RunState &run, const SourceReader &source, float tempo, WarningCode fast,
-                 WarningCode slow) {
+void warnOfTempo(const SourceReader &source, float tempo, WarningCode fast, WarningCode slow) {
   if (tempo > kQuiteFast) {
-    warn(run, source, fast);
+    warn(source, fast);
   } else if (tempo < kQuiteSlow) {
-    warn(run, source, slow);
+    warn(source, slow);
   }
 }
 
-ErrorCode readTerm(RunState &run, SourceReader &source, ErrorCode missing, float &term) {
-  return read_float(term, source.line, source.position) ? skip_separator(run, source) : missing;
+ErrorCode readTerm(SourceReader &source, ErrorCode missing, float &term) {
+  return read_float(term, source.line, source.position) ? skip_separator(source) : missing;
 }
 
 // The curve letter at the position. A letter that names no curve means a straight line and is left
 // where it is.
-ErrorCode readCurve(RunState &run, SourceReader &source, TempoDef &def) {
+ErrorCode readCurve(SourceReader &source, TempoDef &def) {
   CurveType type = kLine;
   if (!readCurveLetter(source.line, source.position, type, def.Vcurve)) {
     return kBadCurve;
   }
   def.curveType = static_cast<float>(type);
-  ErrorCode error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_blanks(source));
   if (current(source) == '*') {
     return kBeatMoveNotAllowed;
   }
-  return skip_separator(run, source);
+  return skip_separator(source);
 }
 
 ErrorCode checkRanges(const TempoDef &def) {
@@ -70,15 +68,15 @@ ErrorCode checkRanges(const TempoDef &def) {
   return def.startTime > def.endTime ? kTempoTimesBackwards : kOk;
 }
 
-void warnOfDefinition(RunState &run, const SourceReader &source, const TempoDef &def) {
+void warnOfDefinition(const SourceReader &source, const TempoDef &def) {
   if (def.startTime > kLateTime) {
-    warn(run, source, kTempoStartsLate);
+    warn(source, kTempoStartsLate);
   }
   if (def.endTime > kLateTime) {  // the end is looked at, not the length
-    warn(run, source, kTempoChangeLong);
+    warn(source, kTempoChangeLong);
   }
-  warnOfTempo(run, source, def.startTempo, kTempo1Fast, kTempo1Slow);
-  warnOfTempo(run, source, def.endTempo, kTempo2Fast, kTempo2Slow);
+  warnOfTempo(source, def.startTempo, kTempo1Fast, kTempo1Slow);
+  warnOfTempo(source, def.endTempo, kTempo2Fast, kTempo2Slow);
 }
 
 // A definition that starts at beat 0 replaces the first one.
@@ -95,52 +93,36 @@ ErrorCode store(TempoMap &map, const TempoDef &def) {
 }
 
 // te(tempo): one tempo for the whole piece.
-ErrorCode defineConstantTempo(RunState &run, SourceReader &source, float tempo) {
+ErrorCode defineConstantTempo(SourceReader &source, TempoMap &map, float tempo) {
   ++source.position;
   if (tempoIsOutOfRange(tempo)) {
     return kTempoOutOfRange;
   }
-  TempoDef &def = run.tempo.defs[0];
+  TempoDef &def = map.defs[0];
   def.startTime = 0.0F;
   def.endTime = 1000.0F;
   def.startTempo = tempo;
   def.endTempo = tempo;
   def.curveType = static_cast<float>(kLine);
-  warnOfTempo(run, source, tempo, kTempo1Fast, kTempo1Slow);
+  warnOfTempo(source, tempo, kTempo1Fast, kTempo1Slow);
   return kOk;
 }
 
 // te(start, end, start tempo, end tempo, curve): a change between two beats.
-ErrorCode defineTempoChange(RunState &run, SourceReader &source, float startTime) {
+ErrorCode defineTempoChange(SourceReader &source, TempoMap &map, float startTime) {
   TempoDef def;
   def.startTime = startTime;
-  ErrorCode error = readTerm(run, source, kBadTempoTerm2, def.endTime);
-  if (error <= 0) {
-    error = readTerm(run, source, kBadTempoTerm3, def.startTempo);
-  }
-  if (error <= 0) {
-    error = readTerm(run, source, kBadTempoTerm4, def.endTempo);
-  }
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(readTerm(source, kBadTempoTerm2, def.endTime));
+  RETURN_IF_ERROR(readTerm(source, kBadTempoTerm3, def.startTempo));
+  RETURN_IF_ERROR(readTerm(source, kBadTempoTerm4, def.endTempo));
   def.curveType = static_cast<float>(kPower);
   def.Vcurve = 1.0F;
   if (isLetter(current(source))) {
-    error = readCurve(run, source, def);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readCurve(source, def));
   }
-  error = checkRanges(def);
-  if (error > 0) {
-    return error;
-  }
-  warnOfDefinition(run, source, def);
-  error = store(run.tempo, def);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(checkRanges(def));
+  warnOfDefinition(source, def);
+  RETURN_IF_ERROR(store(map, def));
   if (current(source) != ')') {
     return kMissingParenthesis;
   }
@@ -151,13 +133,13 @@ ErrorCode defineTempoChange(RunState &run, SourceReader &source, float startTime
 // Tells of every definition that starts before its predecessor has ended. All are looked at behind
 // every statement, so a conflict is told again; it is no warning of the catalogue, and -s does not
 // silence it.
-void tellConflicts(RunState &run) {
+void tellConflicts(const TempoMap &map, Messages &messages) {
   float previousEnd = 0.0F;
-  for (int i = 0; i < run.tempo.count; ++i) {
-    if (previousEnd > run.tempo.defs[i].startTime) {
-      say(run.screen, "\nWARNING: Tempo #%d conflicts with previous tempo's end time!", {i + 1});
+  for (int i = 0; i < map.count; ++i) {
+    if (previousEnd > map.defs[i].startTime) {
+      say(messages, "\nWARNING: Tempo #%d conflicts with previous tempo's end time!", {i + 1});
     }
-    previousEnd = run.tempo.defs[i].endTime;
+    previousEnd = map.defs[i].endTime;
   }
 }
 
@@ -172,23 +154,14 @@ const TempoDef &findDefinition(const TempoMap &map, float beat) {
 
 }  // namespace
 
-ErrorCode DefineTempo(RunState &run, SourceReader &source) {
-  ErrorCode error = openStatement(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode DefineTempo(SourceReader &source, TempoMap &map) {
+  RETURN_IF_ERROR(openStatement(source));
   float first = 0.0F;
-  error = readTerm(run, source, kBadTempoTerm1, first);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(readTerm(source, kBadTempoTerm1, first));
   bool isConstant = current(source) == ')';
-  error =
-      isConstant ? defineConstantTempo(run, source, first) : defineTempoChange(run, source, first);
-  if (error > 0) {
-    return error;
-  }
-  tellConflicts(run);
+  RETURN_IF_ERROR(isConstant ? defineConstantTempo(source, map, first)
+                             : defineTempoChange(source, map, first));
+  tellConflicts(map, *source.messages);
   return kOk;
 }
 
@@ -198,28 +171,30 @@ float TempoAtBeat(const TempoMap &map, float beat) {
                     def.startTempo, def.endTempo, def.Vcurve);
 }
 
-float BeatsToSeconds(RunState &run, float beats) {
-  float tempo = TempoAtBeat(run.tempo, run.tempo.beat);
-  run.tempo.current = tempo;
+float BeatsToSeconds(TempoMap &map, Messages &messages, float beats) {
+  float tempo = TempoAtBeat(map, map.beat);
+  map.current = tempo;
   float seconds = 60.0F / tempo * beats;
-  if (run.options.tempoVerbose) {
-    say(run.screen, "\n  > Beat %f Tempo = %f Val = %f (bts) %f (secs)",
-        {run.tempo.beat, tempo, beats, seconds});
+  if (messages.tempoVerbose) {
+    say(messages, "\n  > Beat %f Tempo = %f Val = %f (bts) %f (secs)",
+        {map.beat, tempo, beats, seconds});
   }
   return seconds;
 }
 
-void ListTempos(RunState &run) {
-  const TempoMap &map = run.tempo;
-  say(run.screen, "\n  Stored Tempos (There are %d defs):", {map.count});
+void ListTempos(const TempoMap &map, Messages &messages) {
+  say(messages, "\n  Stored Tempos (There are %d defs):", {map.count});
   for (int i = 0; i < map.count; ++i) {
     const TempoDef &def = map.defs[i];
-    say(run.screen, "\n\t%d: Stime %f, Etime %f, Stempo %f, Etempo %f, Type %c",
-        {i + 1, def.startTime, def.endTime, def.startTempo, def.endTempo,
-         kListingLetters[static_cast<int>(def.curveType)]});
+    compose(messages, "\n\t%d: Stime %f, Etime %f, Stempo %f, Etempo %f, Type %c",
+            {i + 1, def.startTime, def.endTime, def.startTempo, def.endTempo,
+             kListingLetters[static_cast<int>(def.curveType)]});
     if (def.curveType == static_cast<float>(kUserPower)) {
-      say(run.screen, ", Vcurve = %f", {def.Vcurve});
+      compose(messages, ", Vcurve = %f", {def.Vcurve});
     }
+    tell(messages, {});
   }
-  say(run.screen, "\n");
+  say(messages, "\n");
 }
+
+}  // namespace korvo

@@ -1,9 +1,11 @@
 // The tempo map: from beats to seconds.
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct Messages;
 struct SourceReader;
 
 inline constexpr int kMaxTempoDefs = 50;
@@ -28,14 +30,16 @@ struct TempoMap {
 
 // Reads one `te(...)` statement, the position just behind the name, and stores its definition.
 // Errors: 19, 32, 46, 63, 64, 96, 150 to 153, 155 to 159, and those of `read_line`.
-ErrorCode DefineTempo(RunState &run, SourceReader &source);
+ErrorCode DefineTempo(SourceReader &source, TempoMap &map);
 
 // Converts `beats` to seconds with the tempo at the present beat (a value that spans a tempo change
 // is not integrated) and keeps that tempo as the current one. -t prints the conversion.
-float BeatsToSeconds(RunState &run, float beats);
+float BeatsToSeconds(TempoMap &map, Messages &messages, float beats);
 
 // The tempo in beats per minute at `beat`.
 float TempoAtBeat(const TempoMap &map, float beat);
 
 // Prints all definitions.
-void ListTempos(RunState &run);
+void ListTempos(const TempoMap &map, Messages &messages);
+
+}  // namespace korvo

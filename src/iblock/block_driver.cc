@@ -1,15 +1,20 @@
 // Text comes in through the parser, the finished events go out through a writer, and what the block
-// came to is told and added to the run.
+// came to is told and added to the making.
 #include "iblock/block_driver.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
-#include "driver/run_state.h"
+#include "base/number_format.h"
+#include "ddf/generation.h"
 #include "iblock/block_parser.h"
 #include "output/midi_writer.h"
-#include "output/number_format.h"
+#include "output/output_kinds.h"
 #include "output/score_writer.h"
+#include "preproc/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
@@ -35,69 +40,107 @@ BlockSummary summarize(const EventList &list) {
 
 // The comment line stands in the score before it is known whether the block sounds, and stays when
 // it does not.
-void writeBlockComment(RunState &run) {
+void writeBlockComment(const BlockState &block, OutputBuffer &output) {
   char text[64] = "\n;I-block #";
-  char *end = writeInteger(text + 11, run.block.number, 0);
+  char *end = writeInteger(text + 11, block.number, 0);
   *end++ = ' ';
   *end++ = '(';
   *end++ = 'i';
-  end = writeInteger(end, run.block.header.instrument, 0);
+  end = writeInteger(end, block.header.instrument, 0);
   *end++ = ')';
   *end++ = ':';
-  append(run.output, text, static_cast<std::size_t>(end - text));
+  append(output, text, static_cast<std::size_t>(end - text));
+}
+
+void sayAllRests(const Generation &making) {
+  say(*making.messages,
+      making.midi ? "\n\nOops i-block %d is all rests! "
+                  : "\n\nOops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)! ",
+      {making.block.header.instrument});
+}
+
+Pfield pfieldOf(const PfieldFormat &format, int number) {
+  Pfield pfield;
+  pfield.number = number;
+  std::memcpy(pfield.kind, outputKind(format.kind).name, 2);
+  pfield.decimals = format.kind == kRE ? format.precision : 0;
+  return pfield;
+}
+
+void tellBlock(const Generation &making) {
+  const Listener &listener = making.messages->listener;
+  if (listener.block == nullptr) {
+    return;
+  }
+  const BlockState &block = making.block;
+  Pfield pfields[kMaxPfields];
+  BlockView view;
+  for (int number = 2; number <= block.header.pfieldCount; ++number) {
+    pfields[view.pfieldCount++] = pfieldOf(block.pfields[number], number);
+  }
+  view.number = block.number;
+  view.instrument = block.header.instrument;
+  view.pfields = pfields;
+  view.eventCount = making.events.count;
+  view.events = &making.events;
+  listener.block(listener.context, view);
 }
 
 // Writes the block in the form of the run. `written` tells whether there was anything to write.
-ErrorCode writeBlock(RunState &run, bool &written) {
+ErrorCode writeBlock(Generation &making, OutputBuffer &output, bool &written) {
   written = false;
-  if (run.events.count == 0) {
+  if (making.events.count == 0) {
     return kOk;
   }
-  if (!run.options.midi) {
-    writeBlockComment(run);
-    written = ScoreWriter(run);
+  if (!making.midi) {
+    writeBlockComment(making.block, output);
+  }
+  removeRests(making.events);
+  if (making.events.count == 0) {
+    sayAllRests(making);
     return kOk;
   }
-  std::uint32_t byteCount = 0;
-  ErrorCode error = prepareMidi(run, byteCount, written);
-  if (error == kOk && written) {
-    MidiWriter(run, byteCount);
+  tellBlock(making);
+  if (making.midi) {
+    std::uint32_t byteCount = 0;
+    RETURN_IF_ERROR(prepareMidi(making.events, *making.messages, byteCount));
+    MidiWriter(making.events, output, byteCount);
+  } else {
+    ScoreWriter(making, output);
   }
-  return error;
+  written = true;
+  return kOk;
 }
 
-void tellSummary(RunState &run) {
-  BlockSummary summary = summarize(run.events);
-  run.cumulativeSeconds = std::max(run.cumulativeSeconds, summary.end);
-  run.lastBlockSeconds = summary.seconds;
-  say(run.screen, "\n\n%d events generated in block #%d (i%d).\n",
-      {summary.count, run.block.number, run.block.header.instrument});
-  say(run.screen, "Total i-block duration: %f (secs), %f (beats)\n",
+void tellSummary(const BlockState &block, const BlockSummary &summary, Messages &messages) {
+  say(messages, "\n\n%d events generated in block #%d (i%d).\n",
+      {summary.count, block.number, block.header.instrument});
+  say(messages, "Total i-block duration: %f (secs), %f (beats)\n",
       {summary.seconds, summary.beats});
-  say(run.screen, "Cumulative i-block duration: %f (secs)\n", {summary.end});
-  ++run.block.number;
+  say(messages, "Cumulative i-block duration: %f (secs)\n", {summary.end});
 }
 
 }  // namespace
 
-ErrorCode BlockDriver(RunState &run, SourceReader &source) {
-  ErrorCode error = parseBlock(run, source);
-  if (error > 0) {
-    return error;
-  }
-  if (error == kEndOfInput) {
-    releaseEvents(run.events);
+ErrorCode BlockDriver(Generation &making, SourceReader &source, OutputBuffer &output) {
+  ErrorCode parsed = parseBlock(making, source);
+  RETURN_IF_ERROR(parsed);
+  if (parsed == kEndOfInput) {
+    releaseEvents(making.events);
   }
   bool written = false;
-  error = writeBlock(run, written);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(writeBlock(making, output, written));
   if (written) {
-    tellSummary(run);
-  } else if (run.block.number == 1) {
-    say(run.screen, "\n\n\t(N.B. No I-Block Data Written)");
+    BlockSummary summary = summarize(making.events);
+    source.values.cumulativeSeconds = std::max(source.values.cumulativeSeconds, summary.end);
+    source.values.lastBlockSeconds = summary.seconds;
+    tellSummary(making.block, summary, *making.messages);
+    ++making.block.number;
+  } else if (making.block.number == 1) {
+    say(*making.messages, "\n\n\t(N.B. No I-Block Data Written)");
   }
-  releaseEvents(run.events);
+  releaseEvents(making.events);
   return kOk;
 }
+
+}  // namespace korvo

@@ -1,13 +1,18 @@
 // One i-block from its text to the output file.
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
+struct OutputBuffer;
 struct SourceReader;
 
 // Parses the block at the position, writes its events as score lines or as a MIDI file, prints the
-// block's summary and adds its durations to those of the run. A block that was skipped or has
+// block's summary and adds its durations to those of the making. A block that was skipped or has
 // nothing but rests writes nothing and is no error. Errors: those of the parser, and 32 when there
 // is no room for a MIDI file's note-offs.
-ErrorCode BlockDriver(RunState &run, SourceReader &source);
+ErrorCode BlockDriver(Generation &making, SourceReader &source, OutputBuffer &output);
+
+}  // namespace korvo

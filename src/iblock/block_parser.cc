@@ -2,15 +2,19 @@
 // what stands in them to their own room.
 #include "iblock/block_parser.h"
 
+#include "base/characters.h"
+#include "base/numbers.h"
+#include "ddf/generation.h"
 #include "ddf/loops.h"
-#include "ddf/settings.h"
-#include "driver/run_state.h"
+#include "global/settings.h"
 #include "iblock/header.h"
 #include "iblock/pfield.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
 #include "reader/line_reader.h"
 #include "reader/names.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -29,34 +33,28 @@ ErrorCode checkPfieldNumber(const BlockState &block, int number) {
   return block.pfields[number].given ? kDuplicatePfield : kOk;
 }
 
-ErrorCode parseNumberedPfield(RunState &run, SourceReader &source) {
-  if (run.pfield.looping) {
-    warn(run, source, kLoopTerminated);
+ErrorCode parseNumberedPfield(Generation &making, SourceReader &source) {
+  if (making.pfield.looping) {
+    warn(source, kLoopTerminated);
   }
   ++source.position;
   int number = 0;
   if (!read_short(number, source.line, source.position)) {
     return kBadPfieldNumber;
   }
-  ErrorCode error = checkPfieldNumber(run.block, number);
-  if (error > 0) {
-    return error;
-  }
-  beginPfield(run, number);
-  error = parsePfield(run, source);
-  if (error > 0) {
-    return error;
-  }
-  run.block.pfields[number].given = true;
+  RETURN_IF_ERROR(checkPfieldNumber(making.block, number));
+  beginPfield(making, number);
+  RETURN_IF_ERROR(parsePfield(making, source));
+  making.block.pfields[number].given = true;
   if (number == 2) {
-    run.block.target = run.pfield.filled;
+    making.block.target = making.pfield.filled;
   }
   return kOk;
 }
 
-ErrorCode closeBlock(const RunState &run, SourceReader &source) {
-  for (int number = 2; number <= run.block.header.pfieldCount; ++number) {
-    if (!run.block.pfields[number].given) {
+ErrorCode closeBlock(const Generation &making, SourceReader &source) {
+  for (int number = 2; number <= making.block.header.pfieldCount; ++number) {
+    if (!making.block.pfields[number].given) {
       return kPfieldsSkipped;
     }
   }
@@ -64,46 +62,42 @@ ErrorCode closeBlock(const RunState &run, SourceReader &source) {
   return kOk;
 }
 
-ErrorCode runBlockStatement(RunState &run, SourceReader &source) {
+ErrorCode runBlockStatement(Generation &making, SourceReader &source) {
   if (!isBlockName(source.line, source.position)) {
     return kInvalidBlockCommand;
   }
-  if (!lookupDdfName(source.line, source.position, run.name)) {
+  if (!lookupDdfName(source.line, source.position, making.global.name)) {
     return kInvalidCommand;
   }
-  switch (run.name.code) {
+  switch (making.global.name.code) {
     case kRD:
-      return readRD(run, source);
+      return readRD(source, making.global.settings);
     case kRS:
-      return readRS(run, source);
+      return readRS(source, making.global.random);
     default:
       return kBadValue;
   }
 }
 
 // The statements and comments before a p-field, up to that p-field or the end of the line.
-ErrorCode runBlockStatements(RunState &run, SourceReader &source) {
+ErrorCode runBlockStatements(Generation &making, SourceReader &source) {
   for (;;) {
     skipBlanksInLine(source.line, source.position);
     if (current(source) == '\0' || atPfield(source.line + source.position)) {
       return kOk;
     }
     CommentKind kind;
-    ErrorCode error = is_comment_start(source, kind) ? skipClosedComment(run, source, kind)
-                                                     : runBlockStatement(run, source);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(is_comment_start(source, kind) ? skipClosedComment(source, kind)
+                                                   : runBlockStatement(making, source));
   }
 }
 
 }  // namespace
 
-ErrorCode parseBlock(RunState &run, SourceReader &source) {
+ErrorCode parseBlock(Generation &making, SourceReader &source) {
   for (;;) {
-    ErrorCode error = kOk;
     if (current(source) == '\0') {
-      error = read_line(run, source);
+      ErrorCode error = read_line(source);
       if (error != kOk) {
         return error;
       }
@@ -111,20 +105,21 @@ ErrorCode parseBlock(RunState &run, SourceReader &source) {
     skipBlanksInLine(source.line, source.position);
     char c = current(source);
     if (c == 'i') {
-      error = parseHeader(run, source);
+      ErrorCode error = parseHeader(making, source);
       if (error == kEndOfInput) {
-        warn(run, source, kBlockSkipped);
-        return kEndOfInput;
+        warn(source, kBlockSkipped);
+      }
+      if (error != kOk) {
+        return error;
       }
     } else if (atPfield(source.line + source.position)) {
-      error = parseNumberedPfield(run, source);
+      RETURN_IF_ERROR(parseNumberedPfield(making, source));
     } else if (c == '}') {
-      return closeBlock(run, source);
+      return closeBlock(making, source);
     } else {
-      error = runBlockStatements(run, source);
-    }
-    if (error > 0) {
-      return error;
+      RETURN_IF_ERROR(runBlockStatements(making, source));
     }
   }
 }
+
+}  // namespace korvo

@@ -1,12 +1,16 @@
 // The parser of an i-block, from its "i" to its "}".
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
 struct SourceReader;
 
 // Reads a block and generates its events. kEndOfInput when the block is skipped: its instrument
 // number is negative, or the input ends before its first p-field. Errors: 15, 16, 20, 23, 25, 44,
 // 70, 71, 73, and those of the header, of the p-fields and of `read_line`. May warn (2, 15).
-ErrorCode parseBlock(RunState &run, SourceReader &source);
+ErrorCode parseBlock(Generation &making, SourceReader &source);
+
+}  // namespace korvo

@@ -5,11 +5,14 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/characters.h"
+#include "base/numbers.h"
+#include "ddf/generation.h"
 #include "ddf/value_steps.h"
-#include "driver/run_state.h"
-#include "reader/characters.h"
+#include "preproc/source_reader.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -22,22 +25,16 @@ constexpr int kSeparatorsBetweenItems = 4;
 bool isBlockEnd(const char *text) { return *text == '}'; }
 
 // Up to four separators may stand between two items of a header.
-ErrorCode skipSeparators(RunState &run, SourceReader &source) {
+ErrorCode skipSeparators(SourceReader &source) {
   for (int i = 0; i < kSeparatorsBetweenItems; ++i) {
-    ErrorCode error = skip_separator(run, source);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(skip_separator(source));
   }
   return kOk;
 }
 
-ErrorCode readInstrument(RunState &run, SourceReader &source) {
+ErrorCode readInstrument(SourceReader &source, std::int32_t &instrument) {
   ++source.position;
-  ErrorCode error = skip_blanks_and_comments(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_blanks_and_comments(source));
   bool begins = current(source) == '-' || isDigit(current(source));
   std::int64_t number = 0;
   if (!begins || !read_long(number, source.line, source.position) ||
@@ -45,141 +42,123 @@ ErrorCode readInstrument(RunState &run, SourceReader &source) {
       number > std::numeric_limits<std::int32_t>::max()) {
     return kBadINumber;
   }
-  run.block.header.instrument = static_cast<std::int32_t>(number);
+  instrument = static_cast<std::int32_t>(number);
   return kOk;
 }
 
 // A block with a negative instrument number is passed over as a whole.
-ErrorCode skipBlock(RunState &run, SourceReader &source) {
-  ErrorCode error = skipTo(run, source, isBlockEnd);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode skipBlock(SourceReader &source) {
+  RETURN_IF_ERROR(skipTo(source, isBlockEnd));
   next_char(source);
   return kEndOfInput;
 }
 
-ErrorCode readPfieldCount(RunState &run, SourceReader &source) {
-  ErrorCode error = skip_blanks_and_comments(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode readPfieldCount(SourceReader &source, BlockState &block) {
+  RETURN_IF_ERROR(skip_blanks_and_comments(source));
   if (current(source) != '=') {
     return kMissingEquals;
   }
   ++source.position;
-  error = skip_blanks_and_comments(run, source);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(skip_blanks_and_comments(source));
   std::int64_t count = 0;
   if (!read_long(count, source.line, source.position)) {
     return kBadPfieldCount;
   }
   if (count < kMinPfields || count > kMaxPfields) {
-    say(run.screen, "\n\nERROR: Bad number of p-fields (3 - %d)\n", {kMaxPfields});
+    sayError(source, "\n\nERROR: Bad number of p-fields (3 - %d)\n", {kMaxPfields});
     return kContextOnly;
   }
   if (count >= kManyPfieldsFrom) {
-    warn(run, source, kManyPfields);
+    warn(source, kManyPfields);
   }
-  run.block.header.pfieldCount = static_cast<std::int32_t>(count);
+  block.header.pfieldCount = static_cast<std::int32_t>(count);
   return kOk;
 }
 
-ErrorCode readStart(RunState &run, SourceReader &source) {
-  ErrorCode error = skipSeparators(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode readStart(SourceReader &source, BlockState &block) {
+  RETURN_IF_ERROR(skipSeparators(source));
   float start = 0.0F;
   if (!read_float(start, source.line, source.position) || start < 0.0F) {
     return kBadStartTime;
   }
   if (start > kLateStartTime) {
-    warn(run, source, kLateStart);
+    warn(source, kLateStart);
   }
-  run.block.header.start = start;
+  block.header.start = start;
   return kOk;
 }
 
-ErrorCode readEventCount(RunState &run, SourceReader &source) {
+ErrorCode readEventCount(SourceReader &source, BlockState &block) {
   ++source.position;
   std::uint64_t count = 0;
   if (!read_ulong(count, source.line, source.position)) {
     return kBadEvents;
   }
   constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-  run.block.target = static_cast<std::int64_t>(count < kMost ? count : kMost);
-  run.block.header.length = -static_cast<float>(run.block.target);
+  block.target = static_cast<std::int64_t>(count < kMost ? count : kMost);
+  block.header.length = -static_cast<float>(block.target);
   return kOk;
 }
 
-ErrorCode readBeats(RunState &run, SourceReader &source) {
+ErrorCode readBeats(SourceReader &source, BlockState &block) {
   float beats = 0.0F;
   if (!read_float(beats, source.line, source.position) || beats < 0.0F) {
     return kBadBeats;
   }
-  run.block.target = 0;
-  run.block.header.length = beats;
+  block.target = 0;
+  block.header.length = beats;
   if (beats > kLongestLength) {
-    say(run.screen, "\n\nERROR: Line %d: Maximum number of beats = %s\n",
-        {source.lineCounter, "10000.000000"});
+    sayError(source, "\n\nERROR: Line %d: Maximum number of beats = %s\n",
+             {source.lineCounter, "10000.000000"});
     return kContextOnly;
   }
   if (beats > kLongLength) {
-    warn(run, source, kLongDuration);
+    warn(source, kLongDuration);
   }
   return kOk;
 }
 
-ErrorCode readLength(RunState &run, SourceReader &source) {
-  ErrorCode error = skipSeparators(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode readLength(SourceReader &source, BlockState &block) {
+  RETURN_IF_ERROR(skipSeparators(source));
   char c = current(source);
   if (c == '-') {
-    return readEventCount(run, source);
+    return readEventCount(source, block);
   }
   if (isDigit(c) || c == '.' || c == '+') {
-    return readBeats(run, source);
+    return readBeats(source, block);
   }
   return c == '{' ? kLengthMissing : kBadLength;
 }
 
-void beginBlock(RunState &run) {
-  for (PfieldFormat &format : run.block.pfields) {
+void beginBlock(Generation &making) {
+  for (PfieldFormat &format : making.block.pfields) {
     format = PfieldFormat{};
   }
-  releaseEvents(run.events);
-  beginEvents(run.events, run.block.header.pfieldCount - kMinPfields);
-  startClock(run);
-  beginProgress(run);
+  releaseEvents(making.events);
+  beginEvents(making.events, making.block.header.pfieldCount - kMinPfields);
+  startClock(making);
+  making.steps = 0;
+  tellProgress(making, "", 0);
 }
 
 }  // namespace
 
-ErrorCode parseHeader(RunState &run, SourceReader &source) {
-  ErrorCode error = readInstrument(run, source);
-  if (error > 0) {
-    return error;
+ErrorCode parseHeader(Generation &making, SourceReader &source) {
+  BlockState &block = making.block;
+  RETURN_IF_ERROR(readInstrument(source, block.header.instrument));
+  if (block.header.instrument < 0) {
+    return skipBlock(source);
   }
-  if (run.block.header.instrument < 0) {
-    return skipBlock(run, source);
-  }
-  constexpr ErrorCode (*kItems[])(RunState &, SourceReader &) = {readPfieldCount, readStart,
-                                                                 readLength, skipSeparators};
-  for (auto readItem : kItems) {
-    error = readItem(run, source);
-    if (error > 0) {
-      return error;
-    }
-  }
+  RETURN_IF_ERROR(readPfieldCount(source, block));
+  RETURN_IF_ERROR(readStart(source, block));
+  RETURN_IF_ERROR(readLength(source, block));
+  RETURN_IF_ERROR(skipSeparators(source));
   if (current(source) != '{') {
     return kMissingBlockStart;
   }
   ++source.position;
-  beginBlock(run);
+  beginBlock(making);
   return kOk;
 }
+
+}  // namespace korvo

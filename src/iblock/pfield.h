@@ -2,9 +2,11 @@
 // it.
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct Generation;
 struct SourceReader;
 
 // Whether a p-field begins here: "p" and a digit.
@@ -14,4 +16,6 @@ bool atPfield(const char *text);
 // the "}". Its values reach the events in the order in which they stand; the events left over are
 // completed at the end. Errors: 5, 17 to 21, 23 to 27, 32, 43, 45, 49, 54, 999, and those of the
 // data functions and of `read_line`. May warn (10, 12).
-ErrorCode parsePfield(RunState &run, SourceReader &source);
+ErrorCode parsePfield(Generation &making, SourceReader &source);
+
+}  // namespace korvo

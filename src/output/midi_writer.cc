@@ -9,8 +9,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
+#include "base/arithmetic.h"
+#include "base/messages.h"
+#include "ddf/event_list.h"
+
+namespace korvo {
 
 namespace {
 
@@ -146,14 +149,13 @@ ErrorCode insertNoteOffs(EventList &list) {
 }
 
 // Prints the listing and counts the bytes that the events will take.
-std::uint32_t listNotes(RunState &run) {
-  const EventList &list = run.events;
+std::uint32_t listNotes(const EventList &list, Messages &messages) {
   std::uint32_t bytes = 0;
   float previous = 0.0F;
   forEachEvent(list, [&](const EventRecord &event) {
     bytes += kNoteBytes;
     bytes += static_cast<std::uint32_t>(variableLength(toTicks(event.start - previous)));
-    say(run.screen, "\n%f\t%f\t%s\tN: %f\tV: %f\t",
+    say(messages, "\n%f\t%f\t%s\tN: %f\tV: %f\t",
         {event.start, event.duration, event.flag == 1 ? "ON" : "OFF", keyOf(list, event),
          velocityOf(list, event)});
     previous = event.start;
@@ -217,31 +219,17 @@ void writeNoteTrack(OutputBuffer &output, const EventList &list, std::uint32_t b
 
 }  // namespace
 
-ErrorCode prepareMidi(RunState &run, std::uint32_t &byteCount, bool &something) {
-  EventList &list = run.events;
-  something = false;
-  if (list.count == 0) {
-    return kOk;
-  }
-  removeRests(list);
-  if (list.count == 0) {
-    say(run.screen, "\n\nOops i-block %d is all rests! ", {run.block.header.instrument});
-    return kOk;
-  }
-  ErrorCode error = insertNoteOffs(list);
-  if (error > 0) {
-    return error;
-  }
-  byteCount = listNotes(run);
-  something = true;
+ErrorCode prepareMidi(EventList &list, Messages &messages, std::uint32_t &byteCount) {
+  RETURN_IF_ERROR(insertNoteOffs(list));
+  byteCount = listNotes(list, messages);
   return kOk;
 }
 
-void MidiWriter(RunState &run, std::uint32_t byteCount) {
-  const EventRecord &last = eventAt(run.events, run.events.last);
-  writeHeader(run.output);
-  writeConductorTrack(run.output, last.start + last.duration + 1.0F);
-  writeNoteTrack(run.output, run.events, byteCount);
+void MidiWriter(const EventList &list, OutputBuffer &output, std::uint32_t byteCount) {
+  const EventRecord &last = eventAt(list, list.last);
+  writeHeader(output);
+  writeConductorTrack(output, last.start + last.duration + 1.0F);
+  writeNoteTrack(output, list, byteCount);
 }
 
 int variableLength(std::uint64_t quantity) {
@@ -258,3 +246,5 @@ void writeVariableLength(OutputBuffer &output, std::uint64_t quantity) {
     appendByte(output, group > 0 ? bits | 0x80U : bits);
   }
 }
+
+}  // namespace korvo

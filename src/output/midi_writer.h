@@ -5,20 +5,24 @@
 
 #include <cstdint>
 
-#include "driver/error_code.h"
-#include "output/output_buffer.h"
+#include "base/error_code.h"
+#include "base/output_buffer.h"
 
-struct RunState;
+namespace korvo {
 
-// Turns the block's events into note-ons and note-offs in the order of the track, prints the
-// listing and counts the bytes of the track's events. `something` is false when there is nothing to
-// write: no events, or (with a message) only rests. Error 32.
-ErrorCode prepareMidi(RunState &run, std::uint32_t &byteCount, bool &something);
+struct EventList;
+struct Messages;
+
+// Turns the events, of which there is at least one and no rests, into note-ons and note-offs in the
+// order of the track, prints the listing and counts the bytes of the track's events. Error 32.
+ErrorCode prepareMidi(EventList &list, Messages &messages, std::uint32_t &byteCount);
 
 // Writes header and tracks for what has been prepared.
-void MidiWriter(RunState &run, std::uint32_t byteCount);
+void MidiWriter(const EventList &list, OutputBuffer &output, std::uint32_t byteCount);
 
 // The length of a variable-length quantity, and the quantity itself: seven bits a byte, the highest
 // first, bit 7 set on all but the last.
 int variableLength(std::uint64_t quantity);
 void writeVariableLength(OutputBuffer &output, std::uint64_t quantity);
+
+}  // namespace korvo

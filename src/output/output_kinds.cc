@@ -5,9 +5,10 @@
 
 #include <cmath>
 
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
-#include "reader/characters.h"
+#include "base/arithmetic.h"
+#include "base/characters.h"
+
+namespace korvo {
 
 namespace {
 
@@ -27,40 +28,41 @@ float frequencyOf(float value) {
   return static_cast<float>(std::exp2(octaves) * kLowestC);
 }
 
-double unchanged(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double unchanged(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   return static_cast<double>(value);
 }
 
-double rounded(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double rounded(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   return static_cast<double>(roundHalfUp(value));
 }
 
-double decibels(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double decibels(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   std::int64_t amplitude = toInt64(static_cast<double>(roundHalfUp(value)));
   return static_cast<double>(
       static_cast<float>(std::log(static_cast<double>(amplitude)) / kDecibelExponent));
 }
 
-double frequency(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double frequency(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   return static_cast<double>(frequencyOf(value));
 }
 
-double octavePitchClass(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double octavePitchClass(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/,
+                        float value) {
   float octave = static_cast<float>(static_cast<std::int64_t>(octaveOf(value)) + 4);
   return static_cast<double>(octave + semitoneOf(value) / 100.0F);
 }
 
-double octaveDecimal(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double octaveDecimal(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   float octave = static_cast<float>(static_cast<std::int64_t>(octaveOf(value)) + 4);
   return static_cast<double>(octave + semitoneOf(value) / kSemitones);
 }
 
-double transposition(const RunState & /*run*/, const PfieldFormat & /*format*/, float value) {
+double transposition(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   return std::pow(kSemitoneRatio, static_cast<double>(value));
 }
 
-double fftBin(const RunState &run, const PfieldFormat &format, float value) {
-  float binWidth = static_cast<float>(run.settings.sampleRate) / kFftSizes[format.fftIndex];
+double fftBin(const PfieldFormat &format, std::uint64_t sampleRate, float value) {
+  float binWidth = static_cast<float>(sampleRate) / kFftSizes[format.fftIndex];
   return static_cast<double>(roundHalfUp(frequencyOf(value) / binWidth));
 }
 
@@ -97,3 +99,5 @@ bool isOutputKindName(const char *text) {
   }
   return false;
 }
+
+}  // namespace korvo

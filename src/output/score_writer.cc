@@ -1,11 +1,13 @@
 // Finished events come in, lines of a score go out. The columns are worked out once for a block.
 #include "output/score_writer.h"
 
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
-#include "output/number_format.h"
-#include "output/output_buffer.h"
+#include "base/arithmetic.h"
+#include "base/number_format.h"
+#include "base/output_buffer.h"
+#include "ddf/generation.h"
 #include "output/output_kinds.h"
+
+namespace korvo {
 
 namespace {
 
@@ -42,9 +44,9 @@ char *writeTime(char *out, float seconds, int columns, int precision) {
   return out;
 }
 
-char *writeColumn(char *out, const RunState &run, const OutputKind &kind,
-                  const PfieldFormat &format, float value) {
-  double converted = kind.convert(run, format, value);
+char *writeColumn(char *out, const OutputKind &kind, const PfieldFormat &format,
+                  std::uint64_t sampleRate, float value) {
+  double converted = kind.convert(format, sampleRate, value);
   if (kind.decimals == kWhole) {
     out = writeInteger(out, toInt64(converted), kind.width);
   } else if (kind.decimals == kOwnPrecision) {
@@ -56,42 +58,37 @@ char *writeColumn(char *out, const RunState &run, const OutputKind &kind,
   return out;
 }
 
-void writeEvent(RunState &run, const Columns &columns, const EventRecord &event) {
-  const BlockState &block = run.block;
-  char *out = room(run.output, 3 * kFieldRoom);
+void writeEvent(OutputBuffer &output, const BlockState &block, std::uint64_t sampleRate,
+                const Columns &columns, const EventRecord &event) {
+  char *out = room(output, 3 * kFieldRoom);
   *out++ = '\n';
   *out++ = 'i';
   out = writeInteger(out, block.header.instrument, 0);
   *out++ = ' ';
   out = writeTime(out, event.start, kStartColumns, block.pfields[2].precision);
   out = writeTime(out, event.duration, kDurationColumns, block.pfields[3].precision);
-  taken(run.output, out);
+  taken(output, out);
   const float *values = valuesOf(event);
   for (int i = 0; i < columns.count; ++i) {
-    out = room(run.output, kFieldRoom);
-    taken(run.output,
-          writeColumn(out, run, *columns.kinds[i], *columns.formats[i], values[columns.values[i]]));
+    out = room(output, kFieldRoom);
+    taken(output, writeColumn(out, *columns.kinds[i], *columns.formats[i], sampleRate,
+                              values[columns.values[i]]));
   }
 }
 
 }  // namespace
 
-bool ScoreWriter(RunState &run) {
-  removeRests(run.events);
-  if (run.events.count == 0) {
-    say(run.screen, "\n\nOops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)! ",
-        {run.block.header.instrument});
-    return false;
-  }
-  Columns columns = columnsOf(run.block);
+void ScoreWriter(Generation &making, OutputBuffer &output) {
+  Columns columns = columnsOf(making.block);
   std::int64_t written = 0;
-  forEachEvent(run.events, [&](const EventRecord &event) {
-    writeEvent(run, columns, event);
+  forEachEvent(making.events, [&](const EventRecord &event) {
+    writeEvent(output, making.block, making.global.settings.sampleRate, columns, event);
     ++written;
-    if (countProgress(run.progress)) {
-      drawProgress(run, "score", written);
+    if (countStep(making.steps)) {
+      tellProgress(making, "score", written);
     }
   });
-  append(run.output, "\n", 1);
-  return true;
+  append(output, "\n", 1);
 }
+
+}  // namespace korvo

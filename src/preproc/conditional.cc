@@ -3,16 +3,15 @@
 // looked at, wherever they stand in a line.
 #include "preproc/conditional.h"
 
-#include <cstdio>
 #include <cstring>
 
-#include "driver/run_state.h"
+#include "base/characters.h"
+#include "base/numbers.h"
 #include "preproc/constants.h"
 #include "preproc/macro_call.h"
-#include "reader/characters.h"
-#include "reader/lexical.h"
-#include "reader/line_reader.h"
-#include "reader/numbers.h"
+#include "preproc/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
@@ -37,15 +36,15 @@ struct DroppedComments {
 //
 // Whether the #endif of the section stands between here and the end of the line; the position is
 // then behind it.
-bool closesInLine(RunState &run, SourceReader &source, DroppedComments &comments, int outerDepth) {
+bool closesInLine(SourceReader &source, DroppedComments &comments, int outerDepth) {
   while (current(source) != '\0') {
     if (!comments.line && !comments.block && takeWord(source, "#")) {
       if (takeWord(source, "endif")) {
-        if (--run.conditional.depth == outerDepth) {
+        if (--source.conditional.depth == outerDepth) {
           return true;
         }
       } else if (takeWord(source, "if(")) {
-        ++run.conditional.depth;
+        ++source.conditional.depth;
       }
     }
     const char *text = source.line + source.position;
@@ -56,15 +55,15 @@ bool closesInLine(RunState &run, SourceReader &source, DroppedComments &comments
     } else if (text[0] == '/' && text[1] == '*') {
       comments.block = true;
     }
-    next_char(source);
+    ++source.position;
   }
   return false;
 }
 
-ErrorCode dropSection(RunState &run, SourceReader &source, int outerDepth) {
+ErrorCode dropSection(SourceReader &source, int outerDepth) {
   DroppedComments comments;
-  while (!closesInLine(run, source, comments, outerDepth)) {
-    ErrorCode error = std::feof(source.input) != 0 ? kEndOfInput : read_line(run, source);
+  while (!closesInLine(source, comments, outerDepth)) {
+    ErrorCode error = inputEnded(source) ? kEndOfInput : fetchLine(source);
     if (error != kOk) {
       return error == kEndOfInput ? kEndifMissingAtEnd : error;
     }
@@ -75,24 +74,18 @@ ErrorCode dropSection(RunState &run, SourceReader &source, int outerDepth) {
 
 }  // namespace
 
-ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
+ErrorCode ReadIfValue(SourceReader &source, float &value) {
   if (!takeWord(source, "if(")) {
     return kBadIf;
   }
   skipBlanksInLine(source.line, source.position);
   if (current(source) == '$') {
     ++source.position;
-    ErrorCode error = ExpandMacroCall(run, source, nullptr, source.line, source.position, 1);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(ExpandMacroCall(source, nullptr, source.line, source.position, 1));
   }
   if (current(source) == '~') {
     ++source.position;
-    ErrorCode error = ExpandConstRef(run, source);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(ExpandConstRef(source));
   }
   if (!isDigit(current(source)) || !read_float(value, source.line, source.position)) {
     return kIfNeedsValue;
@@ -105,27 +98,26 @@ ErrorCode ReadIfValue(RunState &run, SourceReader &source, float &value) {
   return kOk;
 }
 
-ErrorCode OpenConditional(RunState &run, SourceReader &source) {
-  ReadIfValue(run, source, run.conditional.condition);
-  int outerDepth = run.conditional.depth++;
-  if (run.conditional.condition != 0.0F) {
+ErrorCode OpenConditional(SourceReader &source) {
+  ReadIfValue(source, source.conditional.condition);
+  int outerDepth = source.conditional.depth++;
+  if (source.conditional.condition != 0.0F) {
     return kOk;
   }
-  source.skipping = true;
-  ErrorCode error = dropSection(run, source, outerDepth);
-  source.skipping = false;
-  return error;
+  return dropSection(source, outerDepth);
 }
 
-ErrorCode CloseConditional(RunState &run, SourceReader &source) {
+ErrorCode CloseConditional(SourceReader &source) {
   if (!takeWord(source, "endif")) {
     return kBadEndif;
   }
-  if (run.conditional.depth < 1) {
+  if (source.conditional.depth < 1) {
     return kStrayEndif;
   }
-  --run.conditional.depth;
+  --source.conditional.depth;
   return kOk;
 }
 
 bool NoConditionalOpen(const ConditionalState &state) { return state.depth == 0; }
+
+}  // namespace korvo

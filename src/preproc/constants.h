@@ -4,31 +4,25 @@
 
 #include <cstdint>
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 #include "preproc/name_table.h"
 
-struct RunState;
+namespace korvo {
+
 struct SourceReader;
 
 struct Constant : NamedRecord {
   double value = 0.0;
 };
 
-using ConstTable = NameTable;
-
-// Runs the statement behind a "#" (the position is on the character after it). With anything but a
-// lower-case "c" there nothing is consumed. Errors: 80, 100, 102, 103, 109, 500, 1000, and those of
-// `read_line`.
-ErrorCode ConstStatement(RunState &run, SourceReader &source);
-
 // Replaces the reference whose "~" stands before the position by its value, and leaves the position
 // on the first inserted character. Errors: 32 (the line would grow too long), 106, 108 (the value
 // is not finite), 1000, and those of equations.
-ErrorCode ExpandConstRef(RunState &run, SourceReader &source);
+ErrorCode ExpandConstRef(SourceReader &source);
 
 // The constant whose name stands at the position, which moves behind it. Error 1000 when there is
 // none.
-ErrorCode LookupConst(RunState &run, SourceReader &source, const Constant *&constant);
+ErrorCode LookupConst(SourceReader &source, const Constant *&constant);
 
 // Room for the text of any constant.
 inline constexpr int kConstTextBytes = 328;
@@ -38,4 +32,6 @@ inline constexpr int kConstTextBytes = 328;
 // kept. Returns the end of the text.
 char *FormatConstValue(char *out, double value);
 
-void freeConstants(ConstTable &table);
+void freeConstants(NameTable &table);
+
+}  // namespace korvo

@@ -4,13 +4,14 @@
 
 #include <cstring>
 
-#include "ddf/draw.h"
-#include "driver/run_state.h"
-#include "global/arithmetic.h"
+#include "base/arithmetic.h"
+#include "base/characters.h"
+#include "base/numbers.h"
+#include "base/random.h"
 #include "preproc/constants.h"
-#include "reader/characters.h"
-#include "reader/lexical.h"
-#include "reader/numbers.h"
+#include "preproc/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
@@ -43,10 +44,10 @@ ErrorCode addOperator(Equation &equation, char sign) {
 }
 
 // "?": a whole number of 32767ths, in single precision.
-double drawRandomTerm(RunState &run, const SourceReader &source) {
-  float value = static_cast<float>(drawIndex(32767)) / 32767.0F;
-  if (!run.options.silent) {
-    say(run.screen, "\n\tLine %d: '?' evaluated at = %f", {source.lineCounter, value});
+double drawRandomTerm(const SourceReader &source) {
+  float value = static_cast<float>(drawIndex(*source.random, 32767)) / 32767.0F;
+  if (!source.messages->silent) {
+    say(*source.messages, "\n\tLine %d: '?' evaluated at = %f", {source.lineCounter, value});
   }
   return static_cast<double>(value);
 }
@@ -56,12 +57,12 @@ bool isOneOf(char c, const char *characters) {
 }
 
 // One step: a term, an operator or a blank.
-ErrorCode takeTerm(RunState &run, SourceReader &source, Equation &equation) {
+ErrorCode takeTerm(SourceReader &source, Equation &equation) {
   char c = current(source);
   if (isLetter(c)) {
     const Constant *constant = nullptr;
-    ErrorCode error = LookupConst(run, source, constant);
-    return error > 0 ? error : addValue(equation, constant->value);
+    RETURN_IF_ERROR(LookupConst(source, constant));
+    return addValue(equation, constant->value);
   }
   if (isDigit(c) || c == '.' || (isOneOf(c, "+-") && equation.afterOperator)) {
     double value = 0.0;
@@ -73,14 +74,15 @@ ErrorCode takeTerm(RunState &run, SourceReader &source, Equation &equation) {
       return kBadRunVariable;  // beats ("@3", "@4") are for references outside equations
     }
     source.position += 2;
-    return addValue(equation, which == '1' ? run.lastBlockSeconds : run.cumulativeSeconds);
+    return addValue(
+        equation, which == '1' ? source.values.lastBlockSeconds : source.values.cumulativeSeconds);
   }
   if (c != '?' && !isOneOf(c, " \t\n+-*/%")) {
     return kIllegalInEquation;
   }
   ++source.position;
   if (c == '?') {
-    return addValue(equation, drawRandomTerm(run, source));
+    return addValue(equation, drawRandomTerm(source));
   }
   return isOneOf(c, "+-*/%") ? addOperator(equation, c) : kOk;
 }
@@ -114,7 +116,7 @@ ErrorCode workOut(const Equation &equation, double &result) {
 
 }  // namespace
 
-ErrorCode EvaluateEquation(RunState &run, SourceReader &source, double &result) {
+ErrorCode EvaluateEquation(SourceReader &source, double &result) {
   Equation equation;
   ++source.position;
   skipBlanksInLine(source.line, source.position);
@@ -122,10 +124,9 @@ ErrorCode EvaluateEquation(RunState &run, SourceReader &source, double &result) 
     if (current(source) == '\0') {
       return kEquationNotClosed;
     }
-    ErrorCode error = takeTerm(run, source, equation);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(takeTerm(source, equation));
   }
   return workOut(equation, result);
 }
+
+}  // namespace korvo

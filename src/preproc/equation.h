@@ -3,12 +3,15 @@
 
 #include <cstdint>
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
 struct SourceReader;
 
 // Evaluates the equation whose "[" stands at the position; the position is left on its "]". Each
 // "?" takes one draw. Errors: 105 (not closed on this line), 106, 107, 108 (terms and operations do
 // not match, or more than 30 of either), 500, 1000.
-ErrorCode EvaluateEquation(RunState &run, SourceReader &source, double &result);
+ErrorCode EvaluateEquation(SourceReader &source, double &result);
+
+}  // namespace korvo

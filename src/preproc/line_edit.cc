@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+namespace korvo {
+
 // The text before the replaced piece stays, the text behind it (its NUL included) moves, the new
 // text goes between.
 bool replaceInLine(char *line, std::int32_t from, std::int32_t to, std::string_view inserted) {
@@ -15,3 +17,5 @@ bool replaceInLine(char *line, std::int32_t from, std::int32_t to, std::string_v
   std::memcpy(line + before, inserted.data(), inserted.size());
   return true;
 }
+
+}  // namespace korvo

@@ -7,11 +7,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "driver/run_state.h"
+#include "base/characters.h"
 #include "preproc/line_edit.h"
+#include "preproc/macros.h"
 #include "preproc/names.h"
-#include "reader/characters.h"
-#include "reader/lexical.h"
+
+namespace korvo {
 
 struct ArgumentList {
   int count = 0;
@@ -36,14 +37,14 @@ int findArgument(const ArgumentList &arguments, std::string_view name) {
   return i;
 }
 
-bool findCallee(const RunState &run, const ArgumentList *scope, std::string_view name,
+bool findCallee(const MacroTable &macros, const ArgumentList *scope, std::string_view name,
                 Callee &callee) {
   int argument = scope != nullptr ? findArgument(*scope, name) : -1;
   if (argument >= 0) {
     callee = {scope->names[argument], scope->texts[argument], nullptr};
     return true;
   }
-  const auto *macro = static_cast<const Macro *>(findName(run.macros, name));
+  const auto *macro = static_cast<const Macro *>(findName(macros, name));
   if (macro != nullptr) {
     callee = {macro->name, macro->body, macro};
   }
@@ -101,8 +102,7 @@ ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &curs
 
 // Expands all calls in the body of a macro with parameters. What a nested call inserts is scanned
 // as well, except that a call that stands at its very beginning is passed over.
-ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &arguments, char *body,
-                     int depth) {
+ErrorCode expandBody(SourceReader &source, const ArgumentList &arguments, char *body, int depth) {
   std::int32_t p = 0;
   while (body[p] != '\0') {
     if (body[p] != '$') {
@@ -110,10 +110,7 @@ ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &ar
       continue;
     }
     std::int32_t cursor = p + 1;
-    ErrorCode error = ExpandMacroCall(run, source, &arguments, body, cursor, depth + 1);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(ExpandMacroCall(source, &arguments, body, cursor, depth + 1));
     p = body[cursor] == '$' ? callEnd(body, cursor) : cursor;
   }
   return kOk;
@@ -121,18 +118,18 @@ ErrorCode expandBody(RunState &run, SourceReader &source, const ArgumentList &ar
 
 }  // namespace
 
-bool mayExpand(const SourceReader &source) {
-  return source.runExpansions <= kMaxExpansionsInRun && source.runExpanded <= kMaxExpandedInRun;
+bool mayExpand(const ExpansionCount &spent) {
+  return spent.expansions <= kMaxExpansionsInRun && spent.characters <= kMaxExpandedInRun;
 }
 
-bool countExpansion(SourceReader &source, std::size_t characters) {
-  ++source.runExpansions;
-  source.runExpanded += static_cast<std::int64_t>(characters);
-  return mayExpand(source);
+bool countExpansion(ExpansionCount &spent, std::size_t characters) {
+  ++spent.expansions;
+  spent.characters += static_cast<std::int64_t>(characters);
+  return mayExpand(spent);
 }
 
-ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
-                          char *text, std::int32_t &cursor, int depth) {
+ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char *text,
+                          std::int32_t &cursor, int depth) {
   std::int32_t start = cursor - 1;
   if (++source.expansions > kMaxExpansionsInLine || depth > kMaxCallDepth) {
     cursor = start;
@@ -140,35 +137,30 @@ ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentLis
   }
   std::string_view name = takeName(text, cursor);
   Callee callee;
-  if (!findCallee(run, scope, name, callee)) {
-    return unknownName(run, source, "macro", name);
+  if (!findCallee(source.macros, scope, name, callee)) {
+    return unknownName(source, "macro", name);
   }
   char body[kLineBytes];
   std::size_t characters = 0;
   if (callee.macro != nullptr && callee.macro->argc > 0) {
     ArgumentList arguments;
-    ErrorCode error = readArguments(*callee.macro, text, cursor, arguments);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(readArguments(*callee.macro, text, cursor, arguments));
     characters = callee.body.copy(body, kMaxLineLength);
     body[characters] = '\0';
-    error = expandBody(run, source, arguments, body, depth);
-    if (error > 0) {
-      return error;
-    }
+    RETURN_IF_ERROR(expandBody(source, arguments, body, depth));
     callee.body = body;
   }
-  char shownName[kLineBytes];
-  shownName[callee.name.copy(shownName, kMaxLineLength)] = '\0';
-  if (!run.options.silent) {
-    say(run.screen, "\n\tExpanding macro \"%s\" into line %d...", {shownName, source.lineCounter});
+  if (!source.messages->silent) {
+    say(*source.messages, "\n\tExpanding macro \"%s\" into line %d...",
+        {callee.name, source.lineCounter});
   }
   cursor = start;
   std::int32_t end = callEnd(text, start);
   characters += static_cast<std::size_t>(end - start) + callee.body.size();
-  if (!countExpansion(source, characters)) {
+  if (!countExpansion(source.spent, characters)) {
     return kOutOfMemory;
   }
   return replaceInLine(text, start, end, callee.body) ? kOk : kOutOfMemory;
 }
+
+}  // namespace korvo

@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
+struct ExpansionCount;
 struct SourceReader;
 struct ArgumentList;
 
@@ -21,15 +23,17 @@ inline constexpr std::int64_t kMaxExpandedInRun = 67108864;
 
 // Whether the run has had no more expansions than it may: a short text could otherwise grow into an
 // endless one.
-bool mayExpand(const SourceReader &source);
+bool mayExpand(const ExpansionCount &spent);
 
 // Counts one expansion that goes through so many characters. False when the run has had too much.
-bool countExpansion(SourceReader &source, std::size_t characters);
+bool countExpansion(ExpansionCount &spent, std::size_t characters);
 
 // Replaces the call in `text` (a line buffer) whose "$" stands before the cursor by its expansion,
 // and leaves the cursor on the first inserted character. `scope` holds the arguments of the
 // enclosing call, which hide macros of the same name; it is null for a call in the line itself.
 // `depth` is 1 there and grows with every call inside a call. Errors: 32 (too long, too many, too
 // deep), 82, 84, 85, 86, 1000.
-ErrorCode ExpandMacroCall(RunState &run, SourceReader &source, const ArgumentList *scope,
-                          char *text, std::int32_t &cursor, int depth);
+ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char *text,
+                          std::int32_t &cursor, int depth);
+
+}  // namespace korvo

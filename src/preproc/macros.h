@@ -1,16 +1,11 @@
-// Macros: text with a name, and the statements that define and forget it.
-//
-//   #define name(first, second) #the body, with $first and $second#
-//   #undef name
+// Macros: text with a name.
 #pragma once
 
 #include <string_view>
 
-#include "driver/error_code.h"
 #include "preproc/name_table.h"
 
-struct RunState;
-struct SourceReader;
+namespace korvo {
 
 inline constexpr int kMaxMacroParameters = 128;
 inline constexpr int kMaxBodyLength = 4095;
@@ -22,11 +17,6 @@ struct Macro : NamedRecord {
   std::string_view body;  // line ends inside it are line feeds
 };
 
-using MacroTable = NameTable;
+void freeMacros(NameTable &table);
 
-// Runs the statement behind a "#" (the position is on the character after it): #define, #undef, or
-// an #if(...) or #endif that does not open its line, which are read and have no effect. Errors: 8,
-// 32, 80, 81, 84, 88, 91, 114 to 116, 1000, and those of `read_line`.
-ErrorCode MacroStatement(RunState &run, SourceReader &source);
-
-void freeMacros(MacroTable &table);
+}  // namespace korvo

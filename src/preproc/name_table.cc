@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <ctime>
 
+namespace korvo {
+
 namespace {
 
 constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61) - 1;
@@ -118,3 +120,5 @@ void freeNames(NameTable &table, void (*release)(NamedRecord *)) {
   std::free(table.buckets);
   table = NameTable{};
 }
+
+}  // namespace korvo

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace korvo {
+
 struct NamedRecord {
   NamedRecord *next = nullptr;
   std::string_view name;
@@ -30,3 +32,5 @@ void removeName(NameTable &table, const NamedRecord *record);
 
 // Hands every record to `release`, which frees it, and frees the table's own memory.
 void freeNames(NameTable &table, void (*release)(NamedRecord *));
+
+}  // namespace korvo

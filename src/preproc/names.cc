@@ -1,10 +1,10 @@
 // Text comes in, a name goes out.
 #include "preproc/names.h"
 
-#include <cstring>
+#include "base/characters.h"
+#include "preproc/source_reader.h"
 
-#include "driver/run_state.h"
-#include "reader/characters.h"
+namespace korvo {
 
 std::string_view takeName(const char *text, std::int32_t &position) {
   std::int32_t first = position;
@@ -25,12 +25,10 @@ bool matchesLoosely(const char *text, std::string_view keyword) {
   return false;
 }
 
-ErrorCode unknownName(RunState &run, const SourceReader &source, const char *kind,
-                      std::string_view name) {
-  char text[kLineBytes];
-  std::memcpy(text, name.data(), name.size());
-  text[name.size()] = '\0';
-  say(run.screen, "\n\nERROR: Line %d: There is no %s \"%s\" in your input file!\n",
-      {source.lineCounter, kind, text});
+ErrorCode unknownName(const SourceReader &source, const char *kind, std::string_view name) {
+  sayError(source, "\n\nERROR: Line %d: There is no %s \"%s\" in your input file!\n",
+           {source.lineCounter, kind, name});
   return kContextOnly;
 }
+
+}  // namespace korvo

@@ -5,9 +5,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
 struct SourceReader;
 
 inline constexpr int kMaxNameLength = 4095;
@@ -20,5 +21,6 @@ std::string_view takeName(const char *text, std::int32_t &position);
 bool matchesLoosely(const char *text, std::string_view keyword);
 
 // Prints that there is no `kind` ("macro" or "constant") of that name. Returns kContextOnly.
-ErrorCode unknownName(RunState &run, const SourceReader &source, const char *kind,
-                      std::string_view name);
+ErrorCode unknownName(const SourceReader &source, const char *kind, std::string_view name);
+
+}  // namespace korvo

@@ -3,37 +3,77 @@
 // outside both, which may begin `#include |name|`.
 #include "reader/include_pass.h"
 
-#include <cstdint>
-#include <limits>
+#include "base/characters.h"
 
-#include "driver/files.h"
-#include "driver/run_state.h"
-#include "reader/characters.h"
+namespace korvo {
 
 namespace {
 
 constexpr int kMostFiles = 12;
 constexpr int kMostNameCharacters = 255;
+constexpr int kEnd = -1;  // of a text: no character
 
 struct Pass {
-  RunState &run;
-  std::FILE *copy;
-  int &counter;
+  Messages &messages;
+  const Host &host;
+  int counter = 0;       // texts begun so far
+  std::size_t used = 0;  // bytes of the joined text that are gathered
+  char bytes[1 << 14] = {};
 };
 
 // What one level knows about the text it is in.
 struct Level {
-  std::FILE *input;
-  std::int64_t left;    // bytes that are still read of the file
+  TextInput input;
   int depth = 0;        // open block comments
   bool inLine = false;  // behind ";" or ">" on this line
   int previous = ' ';
+  bool failed = false;  // it cannot be read
+  std::size_t next = 0;
+  std::size_t end = 0;
+  char bytes[1 << 12];
 };
 
-ErrorCode copyFile(Pass &pass, std::FILE *input, std::int64_t size);
+ErrorCode copyText(Pass &pass, TextInput input);
 
-// The next character of the file, or EOF.
-int take(Level &level) { return level.left-- > 0 ? std::getc(level.input) : EOF; }
+// The next character of the text, or kEnd.
+int take(Level &level) {
+  if (level.next == level.end) {
+    std::ptrdiff_t count = level.input.read(level.input.context, level.bytes, sizeof level.bytes);
+    level.failed = level.failed || count < 0;
+    level.next = 0;
+    level.end = count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (level.end == 0) {
+      return kEnd;
+    }
+  }
+  return static_cast<unsigned char>(level.bytes[level.next++]);
+}
+
+void flush(Pass &pass) {
+  pass.host.writeText(pass.host.context, pass.bytes, pass.used);
+  pass.used = 0;
+}
+
+// Appends a character to the joined text; kEnd is none.
+void put(Pass &pass, int c) {
+  if (c == kEnd) {
+    return;
+  }
+  if (pass.used == sizeof pass.bytes) {
+    flush(pass);
+  }
+  pass.bytes[pass.used++] = static_cast<char>(c);
+}
+
+// Prints an error and gives the code for it.
+ErrorCode fail(Pass &pass, ErrorCode code, const char *format,
+               std::initializer_list<MessageArgument> arguments = {}) {
+  compose(pass.messages, format, arguments);
+  Message message;
+  message.severity = Severity::kError;
+  tell(pass.messages, message);
+  return code;
+}
 
 void follow(Level &level, int c) {
   if (c == '>' || c == ';') {
@@ -51,11 +91,11 @@ void follow(Level &level, int c) {
 ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   int count = 0;
   openable = true;
-  for (int c = take(level); c != '|' && c != EOF; c = take(level)) {
+  for (int c = take(level); c != '|' && c != kEnd; c = take(level)) {
     if (++count > kMostNameCharacters) {
-      say(pass.run.screen, "\nERROR: Include filename has exceeded maximum");
-      say(pass.run.screen, "\nlength of %d characters.\n\n", {kMostNameCharacters});
-      return kAlreadyReported;
+      return fail(pass, kAlreadyReported,
+                  "\nERROR: Include filename has exceeded maximum\nlength of %d characters.\n\n",
+                  {kMostNameCharacters});
     }
     if (c == '\0') {
       openable = false;  // no file has such a name, and a shorter one was not meant
@@ -68,68 +108,45 @@ ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   return kOk;
 }
 
-// Opens the file, or gives null. A file that the run writes is none to be included: what stands in
-// it may be the only copy of the composer's text. So a log that is such a file gets nothing.
-std::FILE *openPart(const Pass &pass, const char *name, std::int64_t &size) {
-  std::FILE *file = openIncluded(name, size);
-  std::FILE *log = pass.run.screen.log.file;
-  if (!isOpenIn(file, {log, pass.run.output.file, pass.run.expansion.file, pass.copy})) {
-    return file;
-  }
-  if (isOpenIn(file, {log})) {
-    abandonFile(log);
-  }
-  std::fclose(file);
-  return nullptr;
-}
-
-ErrorCode includeFile(Pass &pass, Level &level) {
+ErrorCode includeText(Pass &pass, Level &level) {
   int c = take(level);
-  while (c != EOF && isSpace(static_cast<char>(c))) {
+  while (c != kEnd && isSpace(static_cast<char>(c))) {
     c = take(level);
   }
   if (c != '|') {
-    say(pass.run.screen, "\n\nInclude filename must be preceeded by a |.\n");
-    return kIncludeFailed;
+    return fail(pass, kIncludeFailed, "\n\nInclude filename must be preceeded by a |.\n");
   }
   char name[kMostNameCharacters + 1];
-  bool openable = true;
-  ErrorCode error = readName(pass, level, name, openable);
-  if (error > 0) {
-    return error;
+  bool openable = pass.host.openInclude != nullptr;
+  RETURN_IF_ERROR(readName(pass, level, name, openable));
+  TextInput included;
+  if (!openable || !pass.host.openInclude(pass.host.context, name, included)) {
+    return fail(pass, kAlreadyReported, "\nBad include file name: \"%s\"\n\n", {name});
   }
-  std::int64_t size = 0;
-  std::FILE *included = openable ? openPart(pass, name, size) : nullptr;
-  if (included == nullptr) {
-    say(pass.run.screen, "\nBad include file name: \"%s\"\n\n", {name});
-    return kAlreadyReported;
+  say(pass.messages, "\n\tOpening include file \"%s\"...", {name});
+  ErrorCode error = copyText(pass, included);
+  if (pass.host.closeInclude != nullptr) {
+    pass.host.closeInclude(pass.host.context, included);
   }
-  say(pass.run.screen, "\n\tOpening include file \"%s\"...", {name});
-  error = copyFile(pass, included, size);
-  std::fclose(included);
   return error;
 }
 
 // A "#" has been read. `#include` is carried out; "#" with another letter behind it is copied; what
-// only begins like
-// `#include` is lost, from the "#" to the first character that differs. The loss is of old and
-// kept.
+// only begins like `#include` is lost, from the "#" to the first character that differs. The loss
+// is of old and kept.
 ErrorCode followDirective(Pass &pass, Level &level) {
   int c = take(level);
   if (c != 'i') {
-    std::putc('#', pass.copy);
-    if (c != EOF) {
-      std::putc(c, pass.copy);
-    }
+    put(pass, '#');
+    put(pass, c);
     level.previous = c;
     return kOk;
   }
   c = take(level);
   if (c != 'n') {
-    std::fputs("#i", pass.copy);
-    if (c != EOF) {
-      std::putc(c, pass.copy);
-    }
+    put(pass, '#');
+    put(pass, 'i');
+    put(pass, c);
     level.previous = c;
     return kOk;
   }
@@ -141,38 +158,36 @@ ErrorCode followDirective(Pass &pass, Level &level) {
     }
   }
   level.previous = '|';
-  return includeFile(pass, level);
+  return includeText(pass, level);
 }
 
-// Copies so many bytes of a file, or what there is of them.
-ErrorCode copyFile(Pass &pass, std::FILE *input, std::int64_t size) {
+ErrorCode copyText(Pass &pass, TextInput input) {
   if (pass.counter++ >= kMostFiles) {
-    say(pass.run.screen, "\n\nToo many embedded include files! (Max = %d)\n", {kMostFiles});
-    return kIncludeFailed;
+    return fail(pass, kIncludeFailed, "\n\nToo many embedded include files! (Max = %d)\n",
+                {kMostFiles});
   }
-  Level level{input, size};
-  for (int c = take(level); c != EOF; c = take(level)) {
+  Level level;
+  level.input = input;
+  for (int c = take(level); c != kEnd; c = take(level)) {
     if (c == '#' && !level.inLine && level.depth == 0) {
-      ErrorCode error = followDirective(pass, level);
-      if (error > 0) {
-        return error;
-      }
+      RETURN_IF_ERROR(followDirective(pass, level));
     } else {
-      std::putc(c, pass.copy);
+      put(pass, c);
       follow(level, c);
       level.previous = c;
     }
   }
-  if (std::ferror(input) != 0) {
-    say(pass.run.screen, "\nERROR: Can't read an input file.\n\n");
-    return kAlreadyReported;
-  }
-  return kOk;
+  return level.failed ? fail(pass, kAlreadyReported, "\nERROR: Can't read an input file.\n\n")
+                      : kOk;
 }
 
 }  // namespace
 
-ErrorCode include_pass(RunState &run, std::FILE *input, std::FILE *copy, int &counter) {
-  Pass pass{run, copy, counter};
-  return copyFile(pass, input, std::numeric_limits<std::int64_t>::max());
+ErrorCode include_pass(Messages &messages, const Host &host, TextInput input) {
+  Pass pass{messages, host};
+  RETURN_IF_ERROR(copyText(pass, input));
+  flush(pass);
+  return kOk;
 }
+
+}  // namespace korvo

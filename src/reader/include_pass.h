@@ -1,14 +1,16 @@
-// The include pass: the whole input copied into one file, with every included file spliced in. It
+// The include pass: the whole input joined into one text, with every included file spliced in. It
 // runs before anything is parsed, so line numbers in messages count the lines of the whole text.
 #pragma once
 
-#include <cstdio>
+#include "base/error_code.h"
+#include "base/messages.h"
+#include "korvo/korvo.h"
 
-#include "driver/error_code.h"
+namespace korvo {
 
-struct RunState;
+// Copies `input` to where the host keeps the joined text. The pass never copies more than twelve
+// texts, the main input included. Prints its own messages; a positive result (1, or 999) means that
+// it has failed. What the host could not keep is not told here, but when it is asked to rewind.
+ErrorCode include_pass(Messages &messages, const Host &host, TextInput input);
 
-// Copies `input` into `copy`. `counter` is the number of files begun so far, the main input
-// included; the pass never copies more than twelve, and none that the run writes. Prints its own
-// messages; a positive result (1, or 999) means that it has failed.
-ErrorCode include_pass(RunState &run, std::FILE *input, std::FILE *copy, int &counter);
+}  // namespace korvo

@@ -1,11 +1,11 @@
 // Everything here moves the position forward and nothing else.
 #include "reader/lexical.h"
 
-#include <cstdio>
-
-#include "reader/characters.h"
+#include "base/characters.h"
+#include "preproc/source_reader.h"
 #include "reader/line_reader.h"
-#include "reader/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
@@ -16,15 +16,15 @@ void skipSeparatorCharacter(SourceReader &source) {
 }
 
 // Blanks, one comment if there is one, what `skipMore` skips, blanks.
-ErrorCode skipBetween(RunState &run, SourceReader &source, void (*skipMore)(SourceReader &)) {
-  ErrorCode error = skip_blanks(run, source);
+ErrorCode skipBetween(SourceReader &source, void (*skipMore)(SourceReader &)) {
+  ErrorCode error = skip_blanks(source);
   CommentKind kind;
   if (error == kOk && is_comment_start(source, kind)) {
-    error = skip_comment(run, source, kind);
+    error = skip_comment(source, kind);
   }
   if (error == kOk) {
     skipMore(source);
-    error = skip_blanks(run, source);
+    error = skip_blanks(source);
   }
   return error == kEndOfInput ? kOk : error;
 }
@@ -39,22 +39,16 @@ char next_char(SourceReader &source) {
   return c;
 }
 
-void skipBlanksInLine(const char *text, std::int32_t &position) {
-  while (isSpace(text[position])) {
-    ++position;
-  }
-}
-
-ErrorCode skip_blanks(RunState &run, SourceReader &source) {
+ErrorCode skip_blanks(SourceReader &source) {
   for (;;) {
     skipBlanksInLine(source.line, source.position);
     if (current(source) != '\0') {
       return kOk;
     }
-    if (std::feof(source.input) != 0) {
+    if (inputEnded(source)) {
       return kEndOfInput;
     }
-    ErrorCode error = read_line(run, source);
+    ErrorCode error = read_line(source);
     if (error != kOk) {
       return error;
     }
@@ -71,7 +65,7 @@ bool is_comment_start(const SourceReader &source, CommentKind &kind) {
   return text[0] == '/' && text[1] == '*';
 }
 
-ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind) {
+ErrorCode skip_comment(SourceReader &source, CommentKind kind) {
   if (kind == kSemicolonComment) {
     while (current(source) != '\0') {
       ++source.position;
@@ -82,7 +76,7 @@ ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind) {
   for (int depth = 1; depth > 0;) {
     const char *text = source.line + source.position;
     if (text[0] == '\0') {
-      ErrorCode error = read_line(run, source);
+      ErrorCode error = read_line(source);
       if (error != kOk) {
         return error;
       }
@@ -99,24 +93,21 @@ ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind) {
   return kOk;
 }
 
-ErrorCode skipClosedComment(RunState &run, SourceReader &source, CommentKind kind) {
-  ErrorCode error = skip_comment(run, source, kind);
+ErrorCode skipClosedComment(SourceReader &source, CommentKind kind) {
+  ErrorCode error = skip_comment(source, kind);
   return error == kEndOfInput ? kMissingCommentEnd : error;
 }
 
-ErrorCode skip_blanks_and_comments(RunState &run, SourceReader &source) {
-  return skipBetween(run, source, [](SourceReader &) {});
+ErrorCode skip_blanks_and_comments(SourceReader &source) {
+  return skipBetween(source, [](SourceReader &) {});
 }
 
-ErrorCode skip_separator(RunState &run, SourceReader &source) {
-  return skipBetween(run, source, skipSeparatorCharacter);
+ErrorCode skip_separator(SourceReader &source) {
+  return skipBetween(source, skipSeparatorCharacter);
 }
 
-ErrorCode openStatement(RunState &run, SourceReader &source) {
-  ErrorCode error = skip_blanks(run, source);
-  if (error > 0) {
-    return error;
-  }
+ErrorCode openStatement(SourceReader &source) {
+  RETURN_IF_ERROR(skip_blanks(source));
   if (current(source) != '(') {
     return kIllegalStatementStart;
   }
@@ -124,14 +115,14 @@ ErrorCode openStatement(RunState &run, SourceReader &source) {
   return kOk;
 }
 
-ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text)) {
+ErrorCode skipTo(SourceReader &source, bool (*stops)(const char *text)) {
   while (!stops(source.line + source.position)) {
     CommentKind kind;
     ErrorCode error = kOk;
     if (current(source) == '\0') {
-      error = read_line(run, source);
+      error = read_line(source);
     } else if (is_comment_start(source, kind)) {
-      error = skipClosedComment(run, source, kind);
+      error = skipClosedComment(source, kind);
     } else {
       ++source.position;
     }
@@ -141,3 +132,5 @@ ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *
   }
   return kOk;
 }
+
+}  // namespace korvo

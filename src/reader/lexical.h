@@ -5,9 +5,10 @@
 
 #include <cstdint>
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
 struct SourceReader;
 
 enum CommentKind { kSemicolonComment, kNestingComment };
@@ -16,34 +17,33 @@ enum CommentKind { kSemicolonComment, kNestingComment };
 // over.
 char next_char(SourceReader &source);
 
-// White space on this line only.
-void skipBlanksInLine(const char *text, std::int32_t &position);
-
 // White space, further lines included; stops on the first other character. kEndOfInput when the
 // input ends first, with the position on the NUL.
-ErrorCode skip_blanks(RunState &run, SourceReader &source);
+ErrorCode skip_blanks(SourceReader &source);
 
 // Whether a comment begins at the position, and which kind.
 bool is_comment_start(const SourceReader &source, CommentKind &kind);
 
 // One comment that begins at the position. ";" lasts to the end of the line; "/*" nests and may
 // last over many lines. kEndOfInput when the input ends inside it.
-ErrorCode skip_comment(RunState &run, SourceReader &source, CommentKind kind);
+ErrorCode skip_comment(SourceReader &source, CommentKind kind);
 
 // As skip_comment, where the end of the input inside the comment is error 25.
-ErrorCode skipClosedComment(RunState &run, SourceReader &source, CommentKind kind);
+ErrorCode skipClosedComment(SourceReader &source, CommentKind kind);
 
 // Blanks, at most one comment, blanks. The end of the input counts as success.
-ErrorCode skip_blanks_and_comments(RunState &run, SourceReader &source);
+ErrorCode skip_blanks_and_comments(SourceReader &source);
 
 // Blanks, at most one comment, one "," or one "/" (a comment may be followed by one of these),
 // blanks. The end of the input counts as success.
-ErrorCode skip_separator(RunState &run, SourceReader &source);
+ErrorCode skip_separator(SourceReader &source);
 
 // The "(" behind the name of a statement, blanks before it. Error 96 when something else stands
 // there.
-ErrorCode openStatement(RunState &run, SourceReader &source);
+ErrorCode openStatement(SourceReader &source);
 
 // Skips text and comments up to a place where `stops` says so, reading further lines. kEndOfInput
 // when the input ends first. Error 25 for a comment left open, and those of `read_line`.
-ErrorCode skipTo(RunState &run, SourceReader &source, bool (*stops)(const char *text));
+ErrorCode skipTo(SourceReader &source, bool (*stops)(const char *text));
+
+}  // namespace korvo

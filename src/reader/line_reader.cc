@@ -1,18 +1,19 @@
 // A physical line comes in; what leaves is the text that the parsers see. On its way the line is
-// cleaned, looked at for
-// `#if(` and `#endif`, and scanned twice: for macro calls ("$"), then for constant references
-// ("~"). Both scans leave comments alone; the first marks what belongs to a macro definition, and
-// the second leaves that alone too.
+// looked at for `#if(` and `#endif`, and scanned twice: for macro calls ("$"), then for constant
+// references ("~"). Both scans leave comments alone; the first marks what belongs to a macro
+// definition, and the second leaves that alone too.
 #include "reader/line_reader.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "driver/run_state.h"
+#include "base/characters.h"
 #include "preproc/conditional.h"
 #include "preproc/constants.h"
 #include "preproc/macro_call.h"
-#include "reader/characters.h"
+#include "preproc/source_reader.h"
+
+namespace korvo {
 
 namespace {
 
@@ -21,24 +22,13 @@ namespace {
 // to open a definition.
 constexpr std::int32_t kHarmlessLoopEnd = 85;
 
-// A line feed, a carriage return and the byte 255 become blanks, so no line contains a line end of
-// its own.
-void clean(char *line) {
-  for (; *line != '\0'; ++line) {
-    if (*line == '\n' || *line == '\r' || *line == '\xff') {
-      *line = ' ';
-    }
-  }
-}
-
 bool startsWith(const char *text, const char *word) {
   return std::strncmp(text, word, std::strlen(word)) == 0;
 }
 
 // Steps over one character, or over both characters of a comment mark, and keeps the comment state.
-// Inside a comment only
-// "*/" counts, whichever mark opened it, and the line feed of a macro body for a comment that ";"
-// opened.
+// Inside a comment only "*/" counts, whichever mark opened it, and the line feed of a macro body
+// for a comment that ";" opened.
 void stepOver(const char *line, std::int32_t &p, CommentState &comment) {
   if (comment == kNoComment) {
     if (line[p] == ';') {
@@ -71,13 +61,10 @@ void mark(SourceReader &source, std::int32_t from, std::int32_t to) {
 // inserted character, so that calls in the inserted text are expanded in turn. Behind a call that
 // opens the line the scan goes on at index 1, whatever was inserted: a call at the very beginning
 // of such a text stays as it is.
-ErrorCode expandCallAt(RunState &run, SourceReader &source, std::int32_t &p) {
+ErrorCode expandCallAt(SourceReader &source, std::int32_t &p) {
   bool opensLine = p == 0;
   source.position = p + 1;
-  ErrorCode error = ExpandMacroCall(run, source, nullptr, source.line, source.position, 1);
-  if (error > 0) {
-    return error;
-  }
+  RETURN_IF_ERROR(ExpandMacroCall(source, nullptr, source.line, source.position, 1));
   p = source.position;
   if (opensLine && source.line[0] != '\0') {
     p = 1;
@@ -86,7 +73,7 @@ ErrorCode expandCallAt(RunState &run, SourceReader &source, std::int32_t &p) {
 }
 
 // The macro scan, from the position to the end of the line.
-ErrorCode scanForMacros(RunState &run, SourceReader &source) {
+ErrorCode scanForMacros(SourceReader &source) {
   const char *line = source.line;
   CommentState comment = source.comment;
   bool mayDefine = true;
@@ -107,10 +94,7 @@ ErrorCode scanForMacros(RunState &run, SourceReader &source) {
         continue;
       }
       if (line[p] == '$' && source.definitionState == 0) {
-        ErrorCode error = expandCallAt(run, source, p);
-        if (error > 0) {
-          return error;
-        }
+        RETURN_IF_ERROR(expandCallAt(source, p));
         continue;
       }
     }
@@ -128,16 +112,13 @@ ErrorCode scanForMacros(RunState &run, SourceReader &source) {
 // that is written into the line moves the text behind it: a definition behind a constant on one
 // line may lose or gain a few characters of its protection. Where it ends decides in which comment
 // state the next line begins.
-ErrorCode scanForConstants(RunState &run, SourceReader &source) {
+ErrorCode scanForConstants(SourceReader &source) {
   CommentState comment = source.comment;
   std::int32_t p = 0;
   while (source.line[p] != '\0') {
     if (comment == kNoComment && source.line[p] == '~' && !source.marked[p]) {
       source.position = p + 1;
-      ErrorCode error = ExpandConstRef(run, source);
-      if (error > 0) {
-        return error;
-      }
+      RETURN_IF_ERROR(ExpandConstRef(source));
       p = source.position;
     } else {
       stepOver(source.line, p, comment);
@@ -149,31 +130,19 @@ ErrorCode scanForConstants(RunState &run, SourceReader &source) {
   return kOk;
 }
 
-void echoExpansion(RunState &run, const SourceReader &source) {
-  if (run.expansion.file != nullptr) {
-    append(run.expansion, source.line, std::strlen(source.line));
-    append(run.expansion, "\n", 1);
+void tellExpanded(const SourceReader &source) {
+  const Listener &listener = source.messages->listener;
+  if (listener.expanded != nullptr) {
+    listener.expanded(listener.context, source.line, std::strlen(source.line));
   }
 }
 
 }  // namespace
 
-ErrorCode read_line(RunState &run, SourceReader &source) {
-  // An `#if` takes no notice of an expansion that was one too many.
-  if (run.screen.printed > kMaxMessagesInRun || !mayExpand(source)) {
-    return kOutOfMemory;
-  }
-  if (std::fgets(source.line, kLineBytes, source.input) == nullptr) {
-    return std::ferror(source.input) == 0 ? kEndOfInput : kTemporaryFileLost;
-  }
-  ++source.lineCounter;
-  std::fill_n(source.marked, source.markedLength, false);
-  source.markedLength = 0;
-  source.expansions = 0;
-  clean(source.line);
-  source.position = 0;
-  if (source.skipping) {
-    return kOk;
+ErrorCode read_line(SourceReader &source) {
+  ErrorCode error = fetchLine(source);
+  if (error != kOk) {
+    return error;
   }
   while (isSpace(current(source))) {
     ++source.position;
@@ -181,20 +150,16 @@ ErrorCode read_line(RunState &run, SourceReader &source) {
   const char *start = source.line + source.position;
   if (startsWith(start, "#if(")) {
     ++source.position;
-    return OpenConditional(run, source);
+    return OpenConditional(source);
   }
   if (startsWith(start, "#endif")) {
     ++source.position;
-    return CloseConditional(run, source);
+    return CloseConditional(source);
   }
-  ErrorCode error = scanForMacros(run, source);
-  if (error > 0) {
-    return error;
-  }
-  error = scanForConstants(run, source);
-  if (error > 0) {
-    return error;
-  }
-  echoExpansion(run, source);
+  RETURN_IF_ERROR(scanForMacros(source));
+  RETURN_IF_ERROR(scanForConstants(source));
+  tellExpanded(source);
   return kOk;
 }
+
+}  // namespace korvo

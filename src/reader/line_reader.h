@@ -1,16 +1,17 @@
 // The line reader: the next physical line of the input, cleaned, with its macro calls and constant
-// references expanded. This room and the preprocessor call each other: a line that opens a
-// conditional section or a macro definition that goes on over several lines need further lines, and
-// these come through the same door.
+// references expanded.
 #pragma once
 
-#include "driver/error_code.h"
+#include "base/error_code.h"
 
-struct RunState;
+namespace korvo {
+
 struct SourceReader;
 
 // Reads and prepares the next line; the position is then 0, or behind the directive on a line that
 // opened or closed a conditional section. kEndOfInput (line and position untouched) when there is
 // none; 9 when the text cannot be read; 32 when the run has said or expanded too much; otherwise
 // kOk or an error of the preprocessor: 8, 32, 82, 84 to 86, 105 to 108, 117, 118, 500, 1000.
-ErrorCode read_line(RunState &run, SourceReader &source);
+ErrorCode read_line(SourceReader &source);
+
+}  // namespace korvo

@@ -6,9 +6,11 @@
 #include <cstring>
 #include <iterator>
 
-#include "reader/characters.h"
+#include "base/characters.h"
+#include "base/numbers.h"
 #include "reader/lexical.h"
-#include "reader/numbers.h"
+
+namespace korvo {
 
 namespace {
 
@@ -140,3 +142,5 @@ bool isPfieldName(const char *text, std::int32_t position) {
   }
   return isBlockName(text, position);
 }
+
+}  // namespace korvo

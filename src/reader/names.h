@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace korvo {
+
 enum CommandCode : int {
   kEX = 0,
   kTE = 1,
@@ -56,3 +58,5 @@ bool isBlockName(const char *text, std::int32_t position);
 // The same inside a p-field, where "dx" before a "(" is a name as well (of EX). Without the "(" it
 // is the note "d" and the repeat sign "x".
 bool isPfieldName(const char *text, std::int32_t position);
+
+}  // namespace korvo

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "driver/run.h"
-#include "reader/characters.h"
+#include "base/characters.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The number formatter beside printf: the same bytes for every number, width and precision. The
 // number is taken as a double, as the float that a score is made of, as a short decimal and as an
 // integer.
-#include "output/number_format.h"
+#include "base/number_format.h"
 
 #include <cstring>
 #include <string>

@@ -10,8 +10,8 @@
 #include <string>
 
 #include "harness.h"
-#include "reader/characters.h"
-#include "reader/numbers.h"
+#include "base/characters.h"
+#include "base/numbers.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "harness.h"
 #include "reader/lexical.h"
 #include "reader/line_reader.h"
-#include "reader/scanner.h"
+#include "global/scanner.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "ddf/draw.h"
+#include "base/random.h"
 #include "support/scripted_draws.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "ddf/settings.h"
+#include "global/settings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "driver/catalogue.h"
+#include "korvo/korvo.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "driver/files.h"
+#include "program/files.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "driver/messages.h"
+#include "base/messages.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +10,9 @@
 #include <memory>
 #include <string>
 
-#include "driver/catalogue.h"
+#include "korvo/korvo.h"
 #include "driver/run_state.h"
-#include "reader/source_reader.h"
+#include "preproc/source_reader.h"
 #include "support/capture.h"
 #include "support/memory_file.h"
 

@@ -1,4 +1,4 @@
-#include "driver/options.h"
+#include "program/options.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/version.h"
+#include "program/version.h"
 #include "support/capture.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "global/arithmetic.h"
+#include "base/arithmetic.h"
 
 #include <gtest/gtest.h>
 

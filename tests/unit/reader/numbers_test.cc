@@ -1,4 +1,4 @@
-#include "reader/numbers.h"
+#include "base/numbers.h"
 
 #include <gtest/gtest.h>
 

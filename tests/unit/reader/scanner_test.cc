@@ -1,4 +1,4 @@
-#include "reader/scanner.h"
+#include "global/scanner.h"
 
 #include <gtest/gtest.h>
 

@@ -12,7 +12,7 @@
 #include "preproc/constants.h"
 #include "preproc/macros.h"
 #include "reader/line_reader.h"
-#include "reader/source_reader.h"
+#include "preproc/source_reader.h"
 #include "support/memory_file.h"
 
 // A stream that gives `text`, positioned at its beginning.

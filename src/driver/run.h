@@ -1,6 +1,0 @@
-// One run of the program.
-#pragma once
-
-// Takes the arguments of `main` and returns the exit status: 0 after a complete run, 1 after any
-// error.
-int runKorvo(int argc, const char *const *argv);
