@@ -105,6 +105,7 @@ struct Options {
   bool midi = false;          // a MIDI file of the first block instead of a score
   bool silent = false;        // no warnings and no optional notes
   bool tempoVerbose = false;  // notes on tempo definitions and conversions
+  bool places = false;        // messages tell where in the composer's text they belong
 };
 
 // A text that is read from its beginning to its end.
@@ -145,6 +146,57 @@ void freeRun(Run *run);
 // been handed over. A Run serves one piece.
 bool perform(Run &run, const Options &options, const char *name, TextInput input, const Host &host,
              const Listener &listener);
+
+// ---- The whole in one call
+
+// An event with values of its own.
+struct EventData {
+  float start = 0.0F;         // seconds
+  float duration = 0.0F;      // seconds
+  std::vector<float> values;  // of P4 and up
+};
+
+struct BlockData {
+  int number = 0;
+  int instrument = 0;
+  std::vector<Pfield> pfields;
+  std::vector<EventData> events;
+};
+
+struct PlaceData {
+  std::string file;
+  std::int64_t line = 0;  // 0: no place
+  std::int32_t column = 0;
+  std::int32_t endColumn = 0;
+};
+
+struct MessageData {
+  Severity severity = Severity::kNote;
+  int number = 0;
+  std::string text;
+  PlaceData place;
+  PlaceData body;
+};
+
+struct RenderOptions : Options {
+  std::string name = "piece";  // what places call the text
+  bool events = true;          // `blocks` are wanted
+  bool expanded = false;       // the expanded text is wanted
+  // Gives the text of an include by its name, or nothing when there is none. Without it there are
+  // no includes.
+  std::function<std::optional<std::string>(const std::string &name)> include;
+};
+
+struct Result {
+  bool ok = false;       // the piece is complete; else the last error among the messages tells why
+  std::string score;     // the bytes of the score, or of the MIDI file
+  std::string expanded;  // the text as it stands after macros and constants
+  std::vector<BlockData> blocks;
+  std::vector<MessageData> messages;
+};
+
+// Runs the text of a piece. When memory is refused, `ok` is false and the message is error 32.
+Result render(std::string_view text, const RenderOptions &options = {});
 
 // The text of error `number` (3 to 500); "Unspecified error..." for one that has none.
 const char *errorText(int number);

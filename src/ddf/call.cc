@@ -63,7 +63,7 @@ ErrorCode checkPercentages(const SegmentTable &table) {
 std::int64_t eventsOfSpan(float span) { return toInt64(static_cast<double>(std::fabs(span))); }
 
 // P2: every value makes an event, until the span is over or the block is full.
-ErrorCode makeEvents(Generation &making, const SourceReader &source, const Generator &generator) {
+ErrorCode makeEvents(Generation &making, SourceReader &source, const Generator &generator) {
   float span = making.segments.span;
   Moment moment;
   moment.inBeats = !(span < 0.0F);
@@ -91,8 +91,7 @@ ErrorCode makeEvents(Generation &making, const SourceReader &source, const Gener
 }
 
 // The value's way to its event, from P3 on.
-ErrorCode storeValue(Generation &making, const SourceReader &source, EventRecord &event,
-                     float value) {
+ErrorCode storeValue(Generation &making, SourceReader &source, EventRecord &event, float value) {
   if (making.pfield.inputMode == kIN) {
     value = roundHalfUp(value);
   }
@@ -106,7 +105,7 @@ ErrorCode storeValue(Generation &making, const SourceReader &source, EventRecord
 }
 
 // P3 and above: every value goes to the next event of the span.
-ErrorCode fillEvents(Generation &making, const SourceReader &source, const Generator &generator) {
+ErrorCode fillEvents(Generation &making, SourceReader &source, const Generator &generator) {
   RETURN_IF_ERROR(insertPending(making));
   Extent extent = measureExtent(making, source);
   Moment moment;
@@ -174,7 +173,7 @@ ErrorCode readCall(Generation &making, SourceReader &source, const Generator &ge
   return generator.percentageMissing != kOk ? checkPercentages(making.segments) : kOk;
 }
 
-Extent measureExtent(Generation &making, const SourceReader &source) {
+Extent measureExtent(Generation &making, SourceReader &source) {
   float span = making.segments.span;
   Extent extent;
   if (span < 0.0F) {
@@ -215,7 +214,7 @@ Segment &chooseSegment(SegmentTable &table, Random &random) {
   return table.segments[chosen];
 }
 
-void truncateData(Generation &making, const SourceReader &source) {
+void truncateData(Generation &making, SourceReader &source) {
   warn(source, kDataTruncated);
   making.pfield.blockEnd = true;
 }

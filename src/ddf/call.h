@@ -32,14 +32,14 @@ ErrorCode readCall(Generation &making, SourceReader &source, const Generator &ge
 // Measures the span of a call from P3 on, from the event behind the one filled last. A span in
 // beats ends with the last event whose beat position is not later than the first one's plus the
 // span. May warn (14).
-Extent measureExtent(Generation &making, const SourceReader &source);
+Extent measureExtent(Generation &making, SourceReader &source);
 
 // Draws the segment that an event's value comes from. One draw, also when there is only one
 // segment.
 Segment &chooseSegment(SegmentTable &table, Random &random);
 
 // Warns (11) and marks the rest of the p-field for skipping.
-void truncateData(Generation &making, const SourceReader &source);
+void truncateData(Generation &making, SourceReader &source);
 
 // S2, the grouped selection; from P4 on. Draws for each event: the segment, the group (as SE), then
 // one for each value of the group. Errors 32, 38, 39, 41, 42, 62, 97 and those of the span.

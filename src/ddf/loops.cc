@@ -20,7 +20,7 @@ void raiseTarget(Generation &making) {
   }
 }
 
-ErrorCode holdLastValue(Generation &making, const SourceReader &source) {
+ErrorCode holdLastValue(Generation &making, SourceReader &source) {
   while (!blockIsFull(making)) {
     RETURN_IF_ERROR(applyValue(making, source, making.pfield.lastValue));
   }
@@ -29,7 +29,7 @@ ErrorCode holdLastValue(Generation &making, const SourceReader &source) {
 
 // Replays the loop until the block is full. Each inserted entry makes room for itself; the first
 // one's first turn has been provided for before the block was asked whether it is full.
-ErrorCode replayLoop(Generation &making, const SourceReader &source) {
+ErrorCode replayLoop(Generation &making, SourceReader &source) {
   const LoopRecord &loop = making.pfield.loop;
   bool firstTurn = true;
   for (std::uint32_t i = 0; !blockIsFull(making); i = (i + 1) % loop.count) {
@@ -78,7 +78,7 @@ bool recordValue(PfieldState &pfield, float value) {
   return true;
 }
 
-ErrorCode completePfield(Generation &making, const SourceReader &source) {
+ErrorCode completePfield(Generation &making, SourceReader &source) {
   if (making.pfield.number == 2 && exceedsBlock(making, making.block.target)) {
     return kOutOfMemory;
   }

@@ -19,7 +19,7 @@ bool recordValue(PfieldState &pfield, float value);
 
 // Gives every event that has no value yet one: the values of the loop over and over, or, without a
 // loop, the last value. Draws as the value steps say, in the order of the events. Errors 32, 54.
-ErrorCode completePfield(Generation &making, const SourceReader &source);
+ErrorCode completePfield(Generation &making, SourceReader &source);
 
 // Forgets everything of a p-field but the note octave, and begins p-field `number`.
 void beginPfield(Generation &making, int number);

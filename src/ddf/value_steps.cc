@@ -151,7 +151,7 @@ ErrorCode nextEvent(Generation &making, EventRecord *&event) {
   return kOk;
 }
 
-void durationStep(Generation &making, const SourceReader &source, EventRecord &event, float value) {
+void durationStep(Generation &making, SourceReader &source, EventRecord &event, float value) {
   float magnitude = std::fabs(value);
   float code = durationCode(magnitude);
   float x = std::copysign(magnitude - code, value);
@@ -185,7 +185,7 @@ float parameterStep(Generation &making, EventRecord &event, float value) {
   return value;
 }
 
-ErrorCode applyValue(Generation &making, const SourceReader &source, float value) {
+ErrorCode applyValue(Generation &making, SourceReader &source, float value) {
   if (making.pfield.number == 2) {
     return startStep(making, value, ZeroInterval::kError);
   }

@@ -49,7 +49,7 @@ std::uint32_t peekNextEvent(const Generation &making);
 // Gives `event` its duration from the P3 value `value`, by its band: a factor of the rhythm (below
 // 200), the rhythm plus (200), the rhythm less (300), beats (400), seconds (1000). May warn (1).
 // Two draws: RD, then DV.
-void durationStep(Generation &making, const SourceReader &source, EventRecord &event, float value);
+void durationStep(Generation &making, SourceReader &source, EventRecord &event, float value);
 
 // Stores `value` in `event` for the present p-field, P4 or above, deviated, rounded to whole
 // semitones where the input mode is NO or OP without quarter tones, times PF. Returns the value
@@ -59,6 +59,6 @@ float parameterStep(Generation &making, EventRecord &event, float value);
 // The one way of a value that stands in the text, is repeated, replayed or held: through the step
 // of its p-field. In NO mode from P4 on a negative value (a rest) negates the event's duration.
 // Errors 32, 54.
-ErrorCode applyValue(Generation &making, const SourceReader &source, float value);
+ErrorCode applyValue(Generation &making, SourceReader &source, float value);
 
 }  // namespace korvo

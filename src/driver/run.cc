@@ -18,8 +18,8 @@ namespace korvo {
 namespace {
 
 // Joins the input with its includes and goes on reading from where the host has kept it.
-ErrorCode readIncludes(Run &run, TextInput input, const Host &host) {
-  if (include_pass(run.messages, host, input) > 0) {
+ErrorCode readIncludes(Run &run, const char *name, TextInput input, const Host &host) {
+  if (include_pass(run.messages, host, name, input, run.source.map) > 0) {
     return kAlreadyReported;
   }
   if (!host.rewindText(host.context)) {
@@ -68,8 +68,8 @@ ErrorCode runBlocks(Run &run, bool &toTheEnd) {
 
 // All of a piece. Under -m the score's end and the closing message are left out where the first
 // block is not the end of the text.
-ErrorCode runPiece(Run &run, TextInput input, const Host &host) {
-  RETURN_IF_ERROR(readIncludes(run, input, host));
+ErrorCode runPiece(Run &run, const char *name, TextInput input, const Host &host) {
+  RETURN_IF_ERROR(readIncludes(run, name, input, host));
   bool toTheEnd = false;
   RETURN_IF_ERROR(runBlocks(run, toTheEnd));
   if (toTheEnd) {
@@ -89,6 +89,7 @@ void connect(Run &run, const Options &options, const Listener &listener) {
   run.messages.tempoVerbose = options.tempoVerbose;
   run.output.listener = listener;
   run.source.messages = &run.messages;
+  run.source.wantsPlaces = options.places;
   run.source.random = &run.making.global.random;
   run.source.values.tempo = &run.making.global.tempo.current;
   run.making.messages = &run.messages;
@@ -108,14 +109,16 @@ void freeRun(Run *run) {
     freeSegments(run->making.segments);
     freeMacros(run->source.macros);
     freeConstants(run->source.constants);
+    freeReplacements(run->source.replacements);
+    freeSourceMap(run->source.map);
     delete run;
   }
 }
 
-bool perform(Run &run, const Options &options, const char * /*name*/, TextInput input,
-             const Host &host, const Listener &listener) {
+bool perform(Run &run, const Options &options, const char *name, TextInput input, const Host &host,
+             const Listener &listener) {
   connect(run, options, listener);
-  ErrorCode error = runPiece(run, input, host);
+  ErrorCode error = runPiece(run, name, input, host);
   if (error > 0) {
     reportError(run.source, error);
   }

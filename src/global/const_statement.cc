@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view kConst = "const";
 
 // One block of memory for the record and its name.
-ErrorCode storeConstant(ConstTable &table, std::string_view name, double value) {
+ErrorCode storeConstant(ConstTable &table, std::string_view name, double value, const Spot &spot) {
   if (findName(table, name) != nullptr) {
     return kConstantExists;
   }
@@ -32,6 +32,7 @@ ErrorCode storeConstant(ConstTable &table, std::string_view name, double value) 
   name.copy(text, name.size());
   constant->name = {text, name.size()};
   constant->value = value;
+  constant->spot = spot;
   if (!addName(table, constant)) {
     std::free(memory);
     return kOutOfConstantMemory;
@@ -59,6 +60,7 @@ ErrorCode ConstStatement(SourceReader &source) {
   if (!isLetter(current(source))) {
     return kConstantNeedsLetter;
   }
+  Spot spot = spotOf(source.map, source.origin, source.replacements, source.position);
   char name[kLineBytes];  // the line may be read over before the name is needed
   std::size_t length = takeName(source.line, source.position).copy(name, kMaxLineLength);
   RETURN_IF_ERROR(skip_blanks(source));
@@ -69,7 +71,7 @@ ErrorCode ConstStatement(SourceReader &source) {
   if (!read_double(value, source.line, source.position)) {
     return kBadFloat;
   }
-  return storeConstant(source.constants, {name, length}, value);
+  return storeConstant(source.constants, {name, length}, value, spot);
 }
 
 }  // namespace korvo

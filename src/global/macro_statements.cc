@@ -37,6 +37,7 @@ struct Definition {
   std::size_t nameEnd = 0;
   std::size_t paramEnds[kMaxMacroParameters] = {};
   int argc = 0;
+  Spot bodySpot;
 };
 
 bool appendCharacter(Definition &definition, char c) {
@@ -53,7 +54,7 @@ bool appendCharacter(Definition &definition, char c) {
   return true;
 }
 
-ErrorCode tooLong(const SourceReader &source, const char *what, int limit) {
+ErrorCode tooLong(SourceReader &source, const char *what, int limit) {
   sayError(
       source,
       "\n\nERROR: Line %d: The macro %s has exceeded the maximum number\nof characters allowed "
@@ -140,6 +141,7 @@ int stepInBody(const char *text, CommentState &comment) {
 
 // The body between its marks. Comments stay in it, and a "#" in a comment does not end it.
 ErrorCode gatherBody(SourceReader &source, Definition &definition) {
+  definition.bodySpot = spotOf(source.map, source.origin, source.replacements, source.position);
   std::size_t begin = definition.used;
   CommentState comment = kNoComment;
   while (comment != kNoComment || current(source) != '#') {
@@ -195,6 +197,7 @@ Macro *makeMacro(const Definition &definition) {
   macro->argc = definition.argc;
   macro->repeatedParam = repeatedParameter(params, definition.argc);
   macro->body = {text + begin, definition.used - begin};
+  macro->spot = definition.bodySpot;
   return macro;
 }
 static_assert(std::is_trivially_destructible_v<Macro>, "a macro is freed as one block of memory");
@@ -272,6 +275,7 @@ ErrorCode undefineMacro(SourceReader &source) {
     return unknownName(source, "macro", name);
   }
   removeName(source.macros, macro);
+  forgetBodies(source.replacements);
   std::free(static_cast<Macro *>(macro));
   return kOk;
 }

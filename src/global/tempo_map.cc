@@ -25,7 +25,7 @@ bool timeIsOutOfRange(float time) { return time > kLatestTime || time < 0.0F; }
 
 bool tempoIsOutOfRange(float tempo) { return tempo > kFastestTempo || tempo < kSlowestTempo; }
 
-void warnOfTempo(const SourceReader &source, float tempo, WarningCode fast, WarningCode slow) {
+void warnOfTempo(SourceReader &source, float tempo, WarningCode fast, WarningCode slow) {
   if (tempo > kQuiteFast) {
     warn(source, fast);
   } else if (tempo < kQuiteSlow) {
@@ -68,7 +68,7 @@ ErrorCode checkRanges(const TempoDef &def) {
   return def.startTime > def.endTime ? kTempoTimesBackwards : kOk;
 }
 
-void warnOfDefinition(const SourceReader &source, const TempoDef &def) {
+void warnOfDefinition(SourceReader &source, const TempoDef &def) {
   if (def.startTime > kLateTime) {
     warn(source, kTempoStartsLate);
   }

@@ -83,7 +83,7 @@ ErrorCode readName(Generation &making, SourceReader &source) {
 }
 
 // The last value again, `times` times.
-ErrorCode repeatValue(Generation &making, const SourceReader &source, std::uint64_t times) {
+ErrorCode repeatValue(Generation &making, SourceReader &source, std::uint64_t times) {
   for (; times > 0; --times) {
     if (blockIsFull(making)) {
       warn(source, kRepeatTruncated);
@@ -196,7 +196,7 @@ ErrorCode readItems(Generation &making, SourceReader &source) {
 }
 
 // Fills what is left, and tells when the values have made the block longer than its header says.
-ErrorCode finishPfield(Generation &making, const SourceReader &source, std::int64_t targetBefore) {
+ErrorCode finishPfield(Generation &making, SourceReader &source, std::int64_t targetBefore) {
   int number = making.pfield.number;
   if (!making.pfield.dataSeen) {
     sayError(source, "\nERROR: P%d is blank ... OY!\n\n", {number});

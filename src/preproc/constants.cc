@@ -21,6 +21,7 @@ namespace {
 struct Reference {
   double value = 0.0;
   bool isEquation = false;  // its "]" is still to be stepped over
+  BodyOrigin definition;
   char shownName[kLineBytes] = "";
 };
 
@@ -70,6 +71,7 @@ ErrorCode readReference(SourceReader &source, Reference &reference) {
       const Constant *constant = nullptr;
       RETURN_IF_ERROR(LookupConst(source, constant));
       reference.value = constant->value;
+      reference.definition = {constant->spot, constant->name};
       nameReference(reference, constant->name);
       return kOk;
     }
@@ -104,7 +106,18 @@ ErrorCode ExpandConstRef(SourceReader &source) {
   if (!countExpansion(source.spent, characters)) {
     return kOutOfMemory;
   }
-  return replaceInLine(source.line, start, end, inserted) ? kOk : kOutOfMemory;
+  if (!replaceInLine(source.line, start, end, inserted)) {
+    return kOutOfMemory;
+  }
+  Replacement replacement;
+  replacement.from = start;
+  replacement.to = end;
+  replacement.inserted = static_cast<std::int32_t>(inserted.size());
+  replacement.inner = source.replacements.count;
+  replacement.body = reference.definition;
+  replacement.whole = true;
+  addReplacement(source.replacements, replacement);
+  return kOk;
 }
 
 char *FormatConstValue(char *out, double value) {

@@ -6,6 +6,7 @@
 
 #include "base/error_code.h"
 #include "preproc/name_table.h"
+#include "preproc/origins.h"
 
 namespace korvo {
 
@@ -13,6 +14,7 @@ struct SourceReader;
 
 struct Constant : NamedRecord {
   double value = 0.0;
+  Spot spot;  // of its name in its definition
 };
 
 // Replaces the reference whose "~" stands before the position by its value, and leaves the position

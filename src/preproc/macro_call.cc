@@ -142,6 +142,7 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
   }
   char body[kLineBytes];
   std::size_t characters = 0;
+  std::uint32_t inner = source.replacements.count;
   if (callee.macro != nullptr && callee.macro->argc > 0) {
     ArgumentList arguments;
     RETURN_IF_ERROR(readArguments(*callee.macro, text, cursor, arguments));
@@ -160,7 +161,20 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
   if (!countExpansion(source.spent, characters)) {
     return kOutOfMemory;
   }
-  return replaceInLine(text, start, end, callee.body) ? kOk : kOutOfMemory;
+  if (!replaceInLine(text, start, end, callee.body)) {
+    return kOutOfMemory;
+  }
+  Replacement replacement;
+  replacement.from = start;
+  replacement.to = end;
+  replacement.inserted = static_cast<std::int32_t>(callee.body.size());
+  replacement.depth = depth;
+  replacement.inner = inner;
+  if (callee.macro != nullptr) {
+    replacement.body = {callee.macro->spot, callee.macro->body};
+  }
+  addReplacement(source.replacements, replacement);
+  return kOk;
 }
 
 }  // namespace korvo

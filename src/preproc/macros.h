@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "preproc/name_table.h"
+#include "preproc/origins.h"
 
 namespace korvo {
 
@@ -15,6 +16,7 @@ struct Macro : NamedRecord {
   const std::string_view *params = nullptr;
   int repeatedParam = 0;  // the first one with a name that an earlier one has, or argc
   std::string_view body;  // line ends inside it are line feeds
+  Spot spot;              // where the body begins
 };
 
 void freeMacros(NameTable &table);

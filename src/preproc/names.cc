@@ -25,7 +25,7 @@ bool matchesLoosely(const char *text, std::string_view keyword) {
   return false;
 }
 
-ErrorCode unknownName(const SourceReader &source, const char *kind, std::string_view name) {
+ErrorCode unknownName(SourceReader &source, const char *kind, std::string_view name) {
   sayError(source, "\n\nERROR: Line %d: There is no %s \"%s\" in your input file!\n",
            {source.lineCounter, kind, name});
   return kContextOnly;

@@ -21,6 +21,6 @@ std::string_view takeName(const char *text, std::int32_t &position);
 bool matchesLoosely(const char *text, std::string_view keyword);
 
 // Prints that there is no `kind` ("macro" or "constant") of that name. Returns kContextOnly.
-ErrorCode unknownName(const SourceReader &source, const char *kind, std::string_view name);
+ErrorCode unknownName(SourceReader &source, const char *kind, std::string_view name);
 
 }  // namespace korvo

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/characters.h"
 #include "korvo/korvo.h"
 #include "preproc/macro_call.h"
 
@@ -72,13 +73,51 @@ void composeLineAndCaret(Messages &messages, const SourceReader &source) {
   composeBytes(messages, {shown, length});
 }
 
-Message messageAt(const SourceReader & /*source*/, Severity severity, int number,
-                  std::string_view text) {
+// What belongs to a message is the word that ends at the position, or else the character there.
+bool isWordPart(char c) { return isNamePart(c) || std::strchr("+-.~@$#", c) != nullptr; }
+
+void findPlace(SourceReader &source, Message &message) {
+  // A line can be made to be costly, and a piece to say much about it.
+  constexpr std::int64_t kMostSteps = 1 << 28;
+  source.placeSteps += 8 * static_cast<std::int64_t>(source.replacements.count) + 1;
+  if (source.placeSteps > kMostSteps) {
+    return;
+  }
+  std::int32_t from = source.position;
+  std::int32_t to = from;
+  while (from > 0 && isWordPart(source.line[from - 1])) {
+    --from;
+  }
+  bool behind = current(source) == '\0' || isSpace(current(source));
+  if (from == to && behind && from > 0) {
+    --from;
+  } else if (from == to) {
+    ++to;
+  }
+  Origin origin = originOf(source.map, source.origin, source.replacements, from, to);
+  message.place = origin.place;
+  message.body = origin.body;
+}
+
+Message messageAt(SourceReader &source, Severity severity, int number, std::string_view text) {
   Message message;
+  if (source.wantsPlaces) {
+    findPlace(source, message);
+  }
   message.severity = severity;
   message.number = number;
   message.text = text;
   return message;
+}
+
+// The text of an error without "ERROR:", line number and line ends around it.
+std::string_view withoutLead(std::string_view text) {
+  std::size_t lead = text.find("ERROR: ");
+  text.remove_prefix(lead == std::string_view::npos ? 0 : lead + 7);
+  if (text.substr(0, 5) == "Line ") {
+    text.remove_prefix(text.find(": ") + 2);
+  }
+  return text.substr(0, text.find_last_not_of('\n') + 1);
 }
 
 }  // namespace
@@ -96,6 +135,9 @@ ErrorCode fetchLine(SourceReader &source) {
   if (source.input.failed) {
     return kTemporaryFileLost;
   }
+  nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
+           source.line[length - 1] == '\n');
+  source.replacements.count = 0;
   clean(source.line);
   ++source.lineCounter;
   std::fill_n(source.marked, source.markedLength, false);
@@ -105,7 +147,7 @@ ErrorCode fetchLine(SourceReader &source) {
   return kOk;
 }
 
-void reportError(const SourceReader &source, int code) {
+void reportError(SourceReader &source, int code) {
   if (code == kAlreadyReported) {
     return;
   }
@@ -124,7 +166,7 @@ void reportError(const SourceReader &source, int code) {
   tell(messages, messageAt(source, Severity::kError, code, errorText(code)));
 }
 
-void warn(const SourceReader &source, int code) {
+void warn(SourceReader &source, int code) {
   Messages &messages = *source.messages;
   if (messages.silent) {
     return;
@@ -138,10 +180,11 @@ void warn(const SourceReader &source, int code) {
   tell(messages, messageAt(source, Severity::kWarning, code, warningText(code)));
 }
 
-void sayError(const SourceReader &source, const char *format,
+void sayError(SourceReader &source, const char *format,
               std::initializer_list<MessageArgument> arguments) {
   compose(*source.messages, format, arguments);
-  tell(*source.messages, messageAt(source, Severity::kError, 0, {}));
+  std::string_view text(source.messages->text, source.messages->used);
+  tell(*source.messages, messageAt(source, Severity::kError, 0, withoutLead(text)));
 }
 
 }  // namespace korvo

@@ -11,6 +11,7 @@
 #include "base/messages.h"
 #include "base/random.h"
 #include "preproc/name_table.h"
+#include "preproc/origins.h"
 
 namespace korvo {
 
@@ -73,6 +74,13 @@ struct SourceReader {
   // The positions that belong to a macro definition; constants there stay as they are.
   bool marked[kLineBytes] = {};
 
+  // Where the text comes from.
+  SourceMap map;
+  LineOrigin origin;
+  ReplacementList replacements;  // in the line
+  bool wantsPlaces = false;      // messages tell where they stand
+  std::int64_t placeSteps = 0;   // spent on finding that out
+
   RunValues values;
   Random *random = nullptr;  // that "?" draws from
   Messages *messages = nullptr;
@@ -92,14 +100,14 @@ ErrorCode fetchLine(SourceReader &source);
 
 // Prints the text of warning `code` (any number) unless -s is given; from code 10 on with line
 // number, line and caret.
-void warn(const SourceReader &source, int code);
+void warn(SourceReader &source, int code);
 
 // Prints the text of error `code` (any number) and, from code 10 on, the line number, the line and
 // the caret. 999 prints nothing, 1000 only the line and the caret.
-void reportError(const SourceReader &source, int code);
+void reportError(SourceReader &source, int code);
 
 // Prints an error that has no number, at the position.
-void sayError(const SourceReader &source, const char *format,
+void sayError(SourceReader &source, const char *format,
               std::initializer_list<MessageArgument> arguments = {});
 
 }  // namespace korvo

@@ -3,21 +3,23 @@
 // outside both, which may begin `#include |name|`.
 #include "reader/include_pass.h"
 
+#include <cstring>
+
 #include "base/characters.h"
 
 namespace korvo {
 
 namespace {
 
-constexpr int kMostFiles = 12;
 constexpr int kMostNameCharacters = 255;
 constexpr int kEnd = -1;  // of a text: no character
 
 struct Pass {
   Messages &messages;
   const Host &host;
-  int counter = 0;       // texts begun so far
-  std::size_t used = 0;  // bytes of the joined text that are gathered
+  SourceMap &map;
+  std::int64_t flushed = 0;  // bytes of the joined text that the host has
+  std::size_t used = 0;      // and those that are gathered behind them
   char bytes[1 << 14] = {};
 };
 
@@ -28,16 +30,38 @@ struct Level {
   bool inLine = false;  // behind ";" or ">" on this line
   int previous = ' ';
   bool failed = false;  // it cannot be read
+  Spot spot;            // of the character at `counted`
+  std::size_t counted = 0;
   std::size_t next = 0;
   std::size_t end = 0;
   char bytes[1 << 12];
 };
 
-ErrorCode copyText(Pass &pass, TextInput input);
+ErrorCode copyText(Pass &pass, Level &level, TextInput input, const char *name);
+
+// Where the next character stands. Lines are counted only when somebody asks, or when the
+// characters go.
+Spot spotOfNext(Level &level) {
+  while (level.counted < level.next) {
+    const char *from = level.bytes + level.counted;
+    const void *found = std::memchr(from, '\n', level.next - level.counted);
+    if (found == nullptr) {
+      level.spot.column += static_cast<std::int32_t>(level.next - level.counted);
+      level.counted = level.next;
+    } else {
+      level.counted += static_cast<std::size_t>(static_cast<const char *>(found) - from) + 1;
+      ++level.spot.line;
+      level.spot.column = 1;
+    }
+  }
+  return level.spot;
+}
 
 // The next character of the text, or kEnd.
 int take(Level &level) {
   if (level.next == level.end) {
+    spotOfNext(level);
+    level.counted = 0;
     std::ptrdiff_t count = level.input.read(level.input.context, level.bytes, sizeof level.bytes);
     level.failed = level.failed || count < 0;
     level.next = 0;
@@ -51,6 +75,7 @@ int take(Level &level) {
 
 void flush(Pass &pass) {
   pass.host.writeText(pass.host.context, pass.bytes, pass.used);
+  pass.flushed += static_cast<std::int64_t>(pass.used);
   pass.used = 0;
 }
 
@@ -65,12 +90,18 @@ void put(Pass &pass, int c) {
   pass.bytes[pass.used++] = static_cast<char>(c);
 }
 
-// Prints an error and gives the code for it.
-ErrorCode fail(Pass &pass, ErrorCode code, const char *format,
+// What is copied from here on is the text at `spot`.
+void goOnAt(Pass &pass, const Spot &spot) {
+  beginStretch(pass.map, pass.flushed + static_cast<std::int64_t>(pass.used), spot);
+}
+
+// Prints an error in what has just been read and gives the code for it.
+ErrorCode fail(Pass &pass, Level &level, ErrorCode code, const char *format,
                std::initializer_list<MessageArgument> arguments = {}) {
   compose(pass.messages, format, arguments);
   Message message;
   message.severity = Severity::kError;
+  message.place = placeAt(pass.map, spotOfNext(level), 1);
   tell(pass.messages, message);
   return code;
 }
@@ -93,7 +124,7 @@ ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   openable = true;
   for (int c = take(level); c != '|' && c != kEnd; c = take(level)) {
     if (++count > kMostNameCharacters) {
-      return fail(pass, kAlreadyReported,
+      return fail(pass, level, kAlreadyReported,
                   "\nERROR: Include filename has exceeded maximum\nlength of %d characters.\n\n",
                   {kMostNameCharacters});
     }
@@ -114,17 +145,18 @@ ErrorCode includeText(Pass &pass, Level &level) {
     c = take(level);
   }
   if (c != '|') {
-    return fail(pass, kIncludeFailed, "\n\nInclude filename must be preceeded by a |.\n");
+    return fail(pass, level, kIncludeFailed, "\n\nInclude filename must be preceeded by a |.\n");
   }
   char name[kMostNameCharacters + 1];
   bool openable = pass.host.openInclude != nullptr;
   RETURN_IF_ERROR(readName(pass, level, name, openable));
   TextInput included;
   if (!openable || !pass.host.openInclude(pass.host.context, name, included)) {
-    return fail(pass, kAlreadyReported, "\nBad include file name: \"%s\"\n\n", {name});
+    return fail(pass, level, kAlreadyReported, "\nBad include file name: \"%s\"\n\n", {name});
   }
   say(pass.messages, "\n\tOpening include file \"%s\"...", {name});
-  ErrorCode error = copyText(pass, included);
+  ErrorCode error = copyText(pass, level, included, name);
+  goOnAt(pass, spotOfNext(level));
   if (pass.host.closeInclude != nullptr) {
     pass.host.closeInclude(pass.host.context, included);
   }
@@ -154,6 +186,7 @@ ErrorCode followDirective(Pass &pass, Level &level) {
     c = take(level);
     if (c != *rest) {
       level.previous = c;
+      goOnAt(pass, spotOfNext(level));
       return kOk;
     }
   }
@@ -161,13 +194,16 @@ ErrorCode followDirective(Pass &pass, Level &level) {
   return includeText(pass, level);
 }
 
-ErrorCode copyText(Pass &pass, TextInput input) {
-  if (pass.counter++ >= kMostFiles) {
-    return fail(pass, kIncludeFailed, "\n\nToo many embedded include files! (Max = %d)\n",
-                {kMostFiles});
+// Copies a text that is called `name`, included by that of `outer`.
+ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) {
+  if (pass.map.fileCount == kMaxFiles) {
+    return fail(pass, outer, kIncludeFailed, "\n\nToo many embedded include files! (Max = %d)\n",
+                {kMaxFiles});
   }
   Level level;
   level.input = input;
+  level.spot = {addFile(pass.map, name), 1, 1};
+  goOnAt(pass, level.spot);
   for (int c = take(level); c != kEnd; c = take(level)) {
     if (c == '#' && !level.inLine && level.depth == 0) {
       RETURN_IF_ERROR(followDirective(pass, level));
@@ -177,15 +213,18 @@ ErrorCode copyText(Pass &pass, TextInput input) {
       level.previous = c;
     }
   }
-  return level.failed ? fail(pass, kAlreadyReported, "\nERROR: Can't read an input file.\n\n")
-                      : kOk;
+  return level.failed
+             ? fail(pass, level, kAlreadyReported, "\nERROR: Can't read an input file.\n\n")
+             : kOk;
 }
 
 }  // namespace
 
-ErrorCode include_pass(Messages &messages, const Host &host, TextInput input) {
-  Pass pass{messages, host};
-  RETURN_IF_ERROR(copyText(pass, input));
+ErrorCode include_pass(Messages &messages, const Host &host, const char *name, TextInput input,
+                       SourceMap &map) {
+  Pass pass{messages, host, map};
+  Level nothing;
+  RETURN_IF_ERROR(copyText(pass, nothing, input, name));
   flush(pass);
   return kOk;
 }
