@@ -1,4 +1,4 @@
-"""What the tests of docs/messages.json and docs/words.json share: lines put into their frame, and runs of the program."""
+"""What the tests of docs/messages.json and docs/words.json share: lines put into a frame, and runs of Korvo."""
 
 import json
 import re

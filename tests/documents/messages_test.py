@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""docs/messages.json against the program: the mistake of every entry brings its very message and no other error, what is
-right runs without it, and every number of the catalogue is there once, with its exact text.
+"""docs/messages.json against the program: the mistake of every entry brings its very message and no other error, what
+is right runs without it, and every number of the catalogue is there once, with its exact text.
 
     messages_test.py KORVO_BINARY
 """
