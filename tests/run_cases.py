@@ -298,14 +298,15 @@ def accepted(case, names, outcome):
     found = {
         "expansion": outcome.files.get(names.expansion),
         "log": outcome.files.get(names.log),
-        "stdout": outcome.stdout or None,
-        "stderr": outcome.stderr or None,
+        "stdout": outcome.stdout,
+        "stderr": outcome.stderr,
     }
     if outcome.status == 0 or output in case.expected:
         found[output] = outcome.files.get(names.output)
     expected = {}
     for kind, data in found.items():
-        if data is None:
+        silence = kind in ("stdout", "stderr") and data == b""
+        if data is None or (silence and case.expected.get(kind) != b""):
             continue
         if data == expected_bytes(case, kind, names):
             expected[kind] = case.expected[kind]

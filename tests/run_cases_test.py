@@ -189,6 +189,10 @@ class HarnessTest(unittest.TestCase):
         self.assert_passes("printf MThe > piece.mid", case, "--accept")
         self.assertTrue(self.chapter.read_text().endswith("--- midi\n4d 54 68 65\n"))
 
+    def test_accept_keeps_that_nothing_is_said(self):
+        self.assert_passes(GOOD, PIECE + "--- stderr\n", "--accept")
+        self.assertTrue(self.chapter.read_text().endswith(PIECE + SCORE + "--- stderr\n"))
+
     def test_accept_of_a_failed_run(self):
         script = GOOD + "; echo no >&2; exit 1"
         self.assert_passes(script, PIECE + "--- stdout\nx\n", "--accept")
