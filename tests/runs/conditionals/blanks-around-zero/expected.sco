@@ -1,3 +1,0 @@
-
- behind 
-e

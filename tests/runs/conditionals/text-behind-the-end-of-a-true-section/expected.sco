@@ -1,3 +1,0 @@
-
- $nope ~nope 
-e

@@ -1,4 +1,0 @@
-
- in 
- behind 
-e

@@ -1,3 +1,0 @@
-
- const yes endif yes undef yes if(1) yes 
-e

@@ -1,5 +1,0 @@
-
- one 
-two 
-three. 
-e

@@ -1,3 +1,0 @@
-
- a one two b 
-e

@@ -1,6 +1,0 @@
-
- x 1 
-1 
- kept 
- last ; $m 
-e

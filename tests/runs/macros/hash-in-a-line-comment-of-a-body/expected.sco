@@ -1,4 +1,0 @@
-
- a ; note # still body# 
-c 
-e

@@ -1,3 +1,0 @@
-
- small large 
-e

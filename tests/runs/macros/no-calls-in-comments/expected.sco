@@ -1,4 +1,0 @@
-
- a ; $nope 
- b /* $nope */ c 
-e

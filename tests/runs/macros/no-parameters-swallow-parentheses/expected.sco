@@ -1,3 +1,0 @@
-
- bodyy body body (z) 
-e
