@@ -33,7 +33,8 @@ ErrorCode readReference(Generation &making, SourceReader &source, Term &term) {
   return kOk;
 }
 
-ErrorCode readTerm(Generation &making, SourceReader &source, Segment &segment, char operation) {
+ErrorCode readTerm(Generation &making, SourceReader &source, ExpressionArguments &expression,
+                   char operation) {
   Term term{operation, false, 0, 0.0F};
   if (isReferenceStart(current(source))) {
     RETURN_IF_ERROR(readReference(making, source, term));
@@ -45,16 +46,16 @@ ErrorCode readTerm(Generation &making, SourceReader &source, Segment &segment, c
   } else if (operation == '/' && term.number == 0.0F) {
     return kDivisionByZero;
   }
-  ++segment.list.count;
+  ++expression.terms.count;
   return addTerm(making.segments.terms, term) ? kOk : kOutOfMemory;
 }
 
 // What stands behind the "[", up to and with the "]".
-ErrorCode readEquation(Generation &making, SourceReader &source, Segment &segment) {
+ErrorCode readEquation(Generation &making, SourceReader &source, ExpressionArguments &expression) {
   char operation = '+';
   for (;;) {
     RETURN_IF_ERROR(skip_blanks(source));
-    RETURN_IF_ERROR(readTerm(making, source, segment, operation));
+    RETURN_IF_ERROR(readTerm(making, source, expression, operation));
     RETURN_IF_ERROR(skip_blanks(source));
     operation = current(source);
     if (operation == ']') {
@@ -114,18 +115,21 @@ ErrorCode beginExpression(Generation &making, SourceReader &source) {
 }
 
 ErrorCode readExpressionSegment(Generation &making, SourceReader &source, Segment &segment) {
-  segment.list.first = making.segments.terms.count;
+  segment.arguments.expression = {};
+  ExpressionArguments &expression = segment.arguments.expression;
+  expression.terms.first = making.segments.terms.count;
   char letter = toLower(current(source));
   if (letter == 'f' || letter == 'i') {
-    segment.integerResult = letter == 'i';
+    expression.integerResult = letter == 'i';
     ++source.position;
     RETURN_IF_ERROR(skip_separator(source));
   }
   if (current(source) == '[') {
     ++source.position;
-    return readEquation(making, source, segment);
+    return readEquation(making, source, expression);
   }
-  return isReferenceStart(current(source)) ? readTerm(making, source, segment, '+') : kBadReference;
+  return isReferenceStart(current(source)) ? readTerm(making, source, expression, '+')
+                                           : kBadReference;
 }
 
 // A segment of numbers alone is fine behind one that has named a p-field.
@@ -135,12 +139,13 @@ ErrorCode checkExpressionSegment(const Generation &making, const Segment & /*seg
 
 ErrorCode expressionValue(Generation &making, Segment &segment, const Moment &moment,
                           float &value) {
-  const Term *terms = making.segments.terms.items + segment.list.first;
+  const ExpressionArguments &expression = segment.arguments.expression;
+  const Term *terms = making.segments.terms.items + expression.terms.first;
   value = valueOf(terms[0], *moment.event);
-  for (std::uint32_t i = 1; i < segment.list.count; ++i) {
+  for (std::uint32_t i = 1; i < expression.terms.count; ++i) {
     RETURN_IF_ERROR(apply(value, terms[i].operation, valueOf(terms[i], *moment.event)));
   }
-  if (segment.integerResult) {
+  if (expression.integerResult) {
     value = roundHalfUp(value);
   }
   return kOk;

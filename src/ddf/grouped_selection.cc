@@ -56,9 +56,11 @@ ErrorCode readGroups(Generation &making, SourceReader &source, ListSlice &groups
 }
 
 ErrorCode readS2Segment(Generation &making, SourceReader &source, Segment &segment) {
-  RETURN_IF_ERROR(readSelectionMode(source, segment.selection.mode));
-  RETURN_IF_ERROR(readGroups(making, source, segment.list));
-  return beginSelection(making.segments, segment.selection, segment.list.count);
+  segment.arguments.select = {};
+  SelectArguments &select = segment.arguments.select;
+  RETURN_IF_ERROR(readSelectionMode(source, select.selection.mode));
+  RETURN_IF_ERROR(readGroups(making, source, select.items));
+  return beginSelection(making.segments, select.selection, select.items.count);
 }
 
 constexpr Generator kS2Arguments = {kS2,    kPercentageExpected, beginS2, readS2Segment, nullptr,
@@ -94,10 +96,10 @@ ErrorCode runS2(Generation &making, SourceReader &source) {
       truncateData(making, source);
       return kOk;
     }
-    Segment &segment = chooseSegment(making.segments, making.global.random);
+    SelectArguments &select = chooseSegment(making.segments, making.global.random).arguments.select;
     std::uint32_t index =
-        selectIndex(making.segments, making.global.random, segment.selection, segment.list.count);
-    RETURN_IF_ERROR(fillGroup(making, making.segments.groups.items[segment.list.first + index]));
+        selectIndex(making.segments, making.global.random, select.selection, select.items.count);
+    RETURN_IF_ERROR(fillGroup(making, making.segments.groups.items[select.items.first + index]));
   }
   return kOk;
 }

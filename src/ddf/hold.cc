@@ -7,12 +7,13 @@ namespace korvo {
 
 // The error is that of the walk's range: the message has always been shared.
 ErrorCode readHoldSegment(Generation &making, SourceReader &source, Segment &segment) {
-  return readArgument(making, source, kBadWalkRange, segment.held);
+  segment.arguments.hold = {};
+  return readArgument(making, source, kBadWalkRange, segment.arguments.hold.value);
 }
 
 ErrorCode holdValue(Generation & /*making*/, Segment &segment, const Moment & /*moment*/,
                     float &value) {
-  value = segment.held;
+  value = segment.arguments.hold.value;
   return kOk;
 }
 

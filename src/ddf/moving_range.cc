@@ -10,24 +10,27 @@
 namespace korvo {
 
 ErrorCode readMoveSegment(Generation &making, SourceReader &source, Segment &segment) {
-  RETURN_IF_ERROR(readCurveSpec(making, source, segment.curve));
+  segment.arguments.move = {};
+  MoveArguments &move = segment.arguments.move;
+  RETURN_IF_ERROR(readCurveSpec(making, source, move.curve));
   RETURN_IF_ERROR(skip_separator(source));
-  RETURN_IF_ERROR(readRange(making, source, segment.first));
+  RETURN_IF_ERROR(readRange(making, source, move.from));
   RETURN_IF_ERROR(skip_separator(source));
-  return readRange(making, source, segment.second);
+  return readRange(making, source, move.to);
 }
 
 ErrorCode checkMoveSegment(const Generation &making, const Segment &segment) {
-  bool touchesZero =
-      touchesZeroInterval(making, segment.first) || touchesZeroInterval(making, segment.second);
+  const MoveArguments &move = segment.arguments.move;
+  bool touchesZero = touchesZeroInterval(making, move.from) || touchesZeroInterval(making, move.to);
   return touchesZero ? kZeroStartRange : kOk;
 }
 
 ErrorCode moveValue(Generation &making, Segment &segment, const Moment &moment, float &value) {
-  announceBeatMove(making, segment.curve, moment);
-  float from = drawFromRange(making.global.random, segment.first);
-  float to = drawFromRange(making.global.random, segment.second);
-  value = followCurve(segment.curve, moment, from, to);
+  const MoveArguments &move = segment.arguments.move;
+  announceBeatMove(making, move.curve, moment);
+  float from = drawFromRange(making.global.random, move.from);
+  float to = drawFromRange(making.global.random, move.to);
+  value = followCurve(move.curve, moment, from, to);
   return kOk;
 }
 

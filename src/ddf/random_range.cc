@@ -8,13 +8,15 @@
 namespace korvo {
 
 ErrorCode readRandomSegment(Generation &making, SourceReader &source, Segment &segment) {
-  RETURN_IF_ERROR(readRange(making, source, segment.first));
-  return touchesZeroInterval(making, segment.first) ? kZeroStartRange : kOk;
+  segment.arguments.random = {};
+  Range &range = segment.arguments.random.range;
+  RETURN_IF_ERROR(readRange(making, source, range));
+  return touchesZeroInterval(making, range) ? kZeroStartRange : kOk;
 }
 
 ErrorCode randomValue(Generation &making, Segment &segment, const Moment & /*moment*/,
                       float &value) {
-  value = drawFromRange(making.global.random, segment.first);
+  value = drawFromRange(making.global.random, segment.arguments.random.range);
   return kOk;
 }
 

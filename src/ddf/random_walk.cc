@@ -63,10 +63,12 @@ float stepWithin(Random &random, float position, float window) {
 }  // namespace
 
 ErrorCode readWalkSegment(Generation &making, SourceReader &source, Segment &segment) {
-  Range &range = segment.first;
+  segment.arguments.walk = {};
+  WalkArguments &walk = segment.arguments.walk;
+  Range &range = walk.range;
   RETURN_IF_ERROR(readBounds(making, source, range));
-  bool readable = read_float(segment.window, source.line, source.position);
-  if (!readable || segment.window < 0.0F || segment.window > 1.0F) {
+  bool readable = read_float(walk.window, source.line, source.position);
+  if (!readable || walk.window < 0.0F || walk.window > 1.0F) {
     return kBadWindow;
   }
   RETURN_IF_ERROR(skip_separator(source));
@@ -75,18 +77,18 @@ ErrorCode readWalkSegment(Generation &making, SourceReader &source, Segment &seg
   if (start < range.low || start > range.high) {
     return kBadWalkStart;
   }
-  segment.walkPosition =
-      range.low == range.high ? 0.0F : (start - range.low) / (range.high - range.low);
+  walk.position = range.low == range.high ? 0.0F : (start - range.low) / (range.high - range.low);
   return kOk;
 }
 
 ErrorCode walkValue(Generation &making, Segment &segment, const Moment & /*moment*/, float &value) {
-  const Range &range = segment.first;
-  value = range.low + (range.high - range.low) * segment.walkPosition;
-  if (static_cast<double>(segment.window) < kNarrowestWindow) {
+  WalkArguments &walk = segment.arguments.walk;
+  const Range &range = walk.range;
+  value = range.low + (range.high - range.low) * walk.position;
+  if (static_cast<double>(walk.window) < kNarrowestWindow) {
     drawUnit(making.global.random);
   } else {
-    segment.walkPosition = stepWithin(making.global.random, segment.walkPosition, segment.window);
+    walk.position = stepWithin(making.global.random, walk.position, walk.window);
   }
   return kOk;
 }

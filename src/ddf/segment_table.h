@@ -1,6 +1,5 @@
-// The arguments of one data function call: its span and up to 128 segments. Each kind uses the
-// fields it needs; values of lists lie one behind the other in one pool that is kept from call to
-// call.
+// The arguments of one data function call: its span and up to 128 segments. Values of lists lie one
+// behind the other in one pool that is kept from call to call.
 #pragma once
 
 #include <cstdint>
@@ -42,18 +41,59 @@ struct Selection {
   std::int64_t lastIndex = -1;
 };
 
+// The arguments of a segment, a record for each kind of function.
+
+struct RandomArguments {  // RA
+  Range range;
+};
+
+struct WalkArguments {  // RW
+  Range range;
+  float window = 0.0F;    // 0 to 1
+  float position = 0.0F;  // of the walk, 0 to 1
+};
+
+struct MoveArguments {  // MO
+  CurveSpec curve;
+  Range from;
+  Range to;
+};
+
+struct SelectArguments {  // SE, S2
+  ListSlice items;        // values, or groups
+  Selection selection;
+};
+
+struct TwoListArguments {  // MS
+  CurveSpec curve;
+  ListSlice first;
+  ListSlice second;
+};
+
+struct ExpressionArguments {  // EX
+  ListSlice terms;
+  bool integerResult = false;
+};
+
+struct HoldArguments {  // HO
+  float value = 0.0F;
+};
+
+// One of them: that of the function whose call is read. Each function begins its own.
+union SegmentArguments {
+  SegmentArguments() : hold() {}
+  HoldArguments hold;
+  RandomArguments random;
+  WalkArguments walk;
+  MoveArguments move;
+  SelectArguments select;
+  TwoListArguments twoLists;
+  ExpressionArguments expression;
+};
+
 struct Segment {
   float percentage = 0.0F;
-  Range first;                 // RA; MO from here
-  Range second;                // MO to here
-  CurveSpec curve;             // MO, MS
-  float window = 0.0F;         // RW, 0 to 1
-  float walkPosition = 0.0F;   // RW, 0 to 1
-  float held = 0.0F;           // HO
-  ListSlice list;              // SE values; MS first list; S2 groups; EX terms
-  ListSlice secondList;        // MS second list
-  Selection selection;         // SE, S2
-  bool integerResult = false;  // EX
+  SegmentArguments arguments;
 };
 
 // One growing array of plain items, kept from call to call.

@@ -8,16 +8,19 @@
 namespace korvo {
 
 ErrorCode readSelectSegment(Generation &making, SourceReader &source, Segment &segment) {
-  RETURN_IF_ERROR(readSelectionMode(source, segment.selection.mode));
-  RETURN_IF_ERROR(readList(making, source, segment.list));
-  return beginSelection(making.segments, segment.selection, segment.list.count);
+  segment.arguments.select = {};
+  SelectArguments &select = segment.arguments.select;
+  RETURN_IF_ERROR(readSelectionMode(source, select.selection.mode));
+  RETURN_IF_ERROR(readList(making, source, select.items));
+  return beginSelection(making.segments, select.selection, select.items.count);
 }
 
 ErrorCode selectValue(Generation &making, Segment &segment, const Moment & /*moment*/,
                       float &value) {
+  SelectArguments &select = segment.arguments.select;
   std::uint32_t index =
-      selectIndex(making.segments, making.global.random, segment.selection, segment.list.count);
-  value = making.segments.values.items[segment.list.first + index];
+      selectIndex(making.segments, making.global.random, select.selection, select.items.count);
+  value = making.segments.values.items[select.items.first + index];
   return kOk;
 }
 
