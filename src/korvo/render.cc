@@ -1,8 +1,6 @@
 // The whole of a piece in one call: the host is memory, and the listener gathers what it is told.
 // This is the one place where containers grow that may throw; what they throw ends the gathering
 // and is told as the error that it is.
-#include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -42,8 +40,7 @@ bool attempt(Gathering &gathering, Step step) {
 }
 
 std::ptrdiff_t readFrom(Reading &reading, char *bytes, std::size_t size) {
-  std::size_t count = std::min(size, reading.text.size() - reading.next);
-  std::memcpy(bytes, reading.text.data() + reading.next, count);
+  std::size_t count = reading.text.copy(bytes, size, reading.next);
   reading.next += count;
   return static_cast<std::ptrdiff_t>(count);
 }
@@ -59,8 +56,7 @@ struct Handed {
 
 std::ptrdiff_t readHanded(void *context, char *bytes, std::size_t size) {
   auto *handed = static_cast<Handed *>(context);
-  std::size_t count = std::min(size, handed->left.size());
-  std::memcpy(bytes, handed->left.data(), count);
+  std::size_t count = handed->left.copy(bytes, size);
   handed->left.remove_prefix(count);
   return static_cast<std::ptrdiff_t>(count);
 }

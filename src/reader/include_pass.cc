@@ -148,10 +148,11 @@ ErrorCode includeText(Pass &pass, Level &level) {
     return fail(pass, level, kIncludeFailed, "\n\nInclude filename must be preceeded by a |.\n");
   }
   char name[kMostNameCharacters + 1];
-  bool openable = pass.host.openInclude != nullptr;
+  bool openable = true;
   RETURN_IF_ERROR(readName(pass, level, name, openable));
   TextInput included;
-  if (!openable || !pass.host.openInclude(pass.host.context, name, included)) {
+  if (!openable || pass.host.openInclude == nullptr ||
+      !pass.host.openInclude(pass.host.context, name, included)) {
     return fail(pass, level, kAlreadyReported, "\nBad include file name: \"%s\"\n\n", {name});
   }
   say(pass.messages, "\n\tOpening include file \"%s\"...", {name});
