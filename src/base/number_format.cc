@@ -1,7 +1,8 @@
 // Nearly every number in a score began as a single-precision float. Such a value times a small
 // power of ten is exact in double precision, so rounding the product to an integer (ties to even)
 // is the rounding that printf does on the exact decimal value; what is left is to write an integer
-// and set the point. Everything else goes through std::to_chars.
+// and set the point. Every other number is a whole one of 53 bits times a power of two: times the
+// power of ten it fits into 128 bits, where it is shifted and rounded; or it has no fraction at all.
 #include "base/number_format.h"
 
 #include <charconv>
@@ -18,6 +19,8 @@ constexpr int kMostQuickDecimals = 7;
 // Doubles from here on are whole numbers. Adding it to a smaller one and taking it away again
 // rounds that one to an integer, ties to even.
 constexpr double kWholeFrom = 4503599627370496.0;
+
+using Wide = unsigned __int128;
 
 constexpr int kQuickRoom = 24;  // 16 digits, the point and the sign
 
@@ -67,6 +70,103 @@ char *writePointed(char *out, bool negative, std::uint64_t scaled, int width, in
   return out + (end - begin);
 }
 
+// The digits of a number of up to 128 bits, pointed.
+char *writeWide(char *out, bool negative, Wide scaled, int width, int decimals) {
+  constexpr std::uint64_t kHalf = 10000000000000000U;  // 16 digits
+  constexpr int kHalfDigits = 16;
+  auto low = static_cast<std::uint64_t>(scaled % kHalf);
+  auto high = static_cast<std::uint64_t>(scaled / kHalf);
+  if (high == 0) {
+    return writePointed(out, negative, low, width, decimals);
+  }
+  char text[2 * kQuickRoom];
+  char *end = writePointed(text, negative, high, 0, 0);
+  std::ptrdiff_t whole = end - text + kHalfDigits - decimals;  // characters before the point
+  for (int i = kHalfDigits - 1; i >= 0; --i) {
+    end[i] = static_cast<char>('0' + low % 10);
+    low /= 10;
+  }
+  end += kHalfDigits;
+  if (decimals > 0) {
+    std::memmove(text + whole + 1, text + whole, static_cast<std::size_t>(decimals));
+    text[whole] = '.';
+    ++end;
+  }
+  std::memcpy(out, text, static_cast<std::size_t>(end - text));
+  return alignRight(out, static_cast<int>(end - text), width);
+}
+
+// A whole number shifted to the right and rounded, ties to even.
+Wide shiftAndRound(Wide number, int shift) {
+  Wide quotient = number >> shift;
+  Wide rest = number - (quotient << shift);
+  Wide half = Wide{1} << (shift - 1);
+  bool up = rest > half || (rest == half && (quotient & 1) != 0);
+  return quotient + (up ? 1 : 0);
+}
+
+// A whole number times a power of two, and zeros behind the point.
+char *writeWhole(char *out, bool negative, std::uint64_t number, int power, int width,
+                 int decimals) {
+  constexpr std::uint64_t kLimb = 1000000000;
+  constexpr int kLimbDigits = 9;
+  constexpr int kStep = 29;  // a limb times 2 to its power, and a carry, fits into 64 bits
+  std::uint64_t limbs[36] = {number % kLimb, number / kLimb};
+  for (; power > 0; power -= kStep) {
+    std::uint64_t carry = 0;
+    for (std::uint64_t &limb : limbs) {
+      carry += limb << (power < kStep ? power : kStep);
+      limb = carry % kLimb;
+      carry /= kLimb;
+    }
+  }
+  char text[sizeof limbs / sizeof *limbs * kLimbDigits];
+  char *digit = text + sizeof text;
+  for (std::uint64_t limb : limbs) {
+    for (int i = 0; i < kLimbDigits; ++i) {
+      *--digit = static_cast<char>('0' + limb % 10);
+      limb /= 10;
+    }
+  }
+  while (*digit == '0') {
+    ++digit;
+  }
+  char *end = out;
+  if (negative) {
+    *end++ = '-';
+  }
+  std::size_t length = static_cast<std::size_t>(text + sizeof text - digit);
+  std::memcpy(end, digit, length);
+  end += length;
+  if (decimals > 0) {
+    *end++ = '.';
+    std::memset(end, '0', static_cast<std::size_t>(decimals));
+    end += decimals;
+  }
+  return alignRight(out, static_cast<int>(end - out), width);
+}
+
+// Any finite number from its bits.
+char *writeAny(char *out, bool negative, double magnitude, int width, int decimals) {
+  constexpr int kMantissaBits = 53;
+  constexpr int kWideBits = 128;
+  int exponent = 0;
+  double fraction = std::frexp(magnitude, &exponent);
+  auto mantissa = static_cast<std::uint64_t>(std::ldexp(fraction, kMantissaBits));
+  int power = exponent - kMantissaBits;
+  if (power > 0) {
+    return writeWhole(out, negative, mantissa, power, width, decimals);
+  }
+  Wide scaled = mantissa;
+  for (int i = 0; i < decimals; ++i) {
+    scaled *= 10;
+  }
+  if (power < 0) {
+    scaled = power > -kWideBits ? shiftAndRound(scaled, -power) : 0;
+  }
+  return writeWide(out, negative, scaled, width, decimals);
+}
+
 }  // namespace
 
 char *writeFixed(char *out, double value, int width, int decimals) {
@@ -83,9 +183,7 @@ char *writeFixed(char *out, double value, int width, int decimals) {
       return writePointed(out, negative, static_cast<std::uint64_t>(rounded), width, decimals);
     }
   }
-  char *end =
-      std::to_chars(out, out + kLongestNumber, value, std::chars_format::fixed, decimals).ptr;
-  return alignRight(out, static_cast<int>(end - out), width);
+  return writeAny(out, negative, magnitude, width, decimals);
 }
 
 char *writeInteger(char *out, std::int64_t value, int width) {

@@ -1,11 +1,11 @@
 // A reference is read, its value found, a message printed, and the number written in its place.
 #include "preproc/constants.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
 #include "base/arithmetic.h"
+#include "base/number_format.h"
 #include "base/characters.h"
 #include "base/numbers.h"
 #include "preproc/equation.h"
@@ -121,20 +121,18 @@ ErrorCode ExpandConstRef(SourceReader &source) {
 }
 
 char *FormatConstValue(char *out, double value) {
-  // cppcheck-suppress ctuPointerArith ; one past the end is where it should be
-  char *limit = out + kConstTextBytes;
   if (value < 0.0) {
     *out++ = '-';
   }
   value = std::fabs(value);
   double whole = std::trunc(value);
-  out = std::to_chars(out, limit, whole, std::chars_format::fixed, 0).ptr;
+  out = writeFixed(out, whole, 0, 0);
   *out++ = '.';
   auto thousandths = static_cast<int>(roundHalfUp((value - whole) * 1000.0));
   for (int place = 100; place > 1 && thousandths < place; place /= 10) {
     *out++ = '0';
   }
-  return std::to_chars(out, limit, thousandths).ptr;
+  return writeInteger(out, thousandths, 0);
 }
 
 void freeConstants(NameTable &table) {
