@@ -259,6 +259,15 @@ TEST(IncludePass, ATextThatCannotBeRead) {
   EXPECT_EQ(spliced.messages, "\nERROR: Can't read an input file.\n\n");
 }
 
+TEST(IncludePass, WithoutAnOpenerNothingCanBeIncluded) {
+  Piece piece("");
+  StringInput text{"a#include |b|"};
+  Host host;
+  host.writeText = [](void *, const char *, std::size_t) { return true; };
+  EXPECT_EQ(include_pass(*piece.source.messages, host, text.input()), 999);
+  EXPECT_EQ(piece.messages(), "\nBad include file name: \"b\"\n\n");
+}
+
 TEST(IncludePass, TheNameIsTakenAsWritten) {
   Texts texts;
   std::string name = texts.write(" a #b; > \"c\t", "X");
