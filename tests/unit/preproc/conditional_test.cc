@@ -126,7 +126,9 @@ TEST(Conditional, AMalformedValueKeepsASectionBehindOneThatWasKept) {
 
 TEST(Conditional, OneWithoutItsEnd) {
   for (const char *text : {"#if(0)\na\n", "#if(0)\na", "#if(0)", "#if(0)\n", "#if(0)\n; #endif\n",
-                           "#if(0)\n#if(0)\n#endif\n", "#if(0)\n/* #endif\n", "#if(0)\n#endi"}) {
+                           "#if(0)\n#if(0)\n#endif\n", "#if(0)\n/* #endif\n", "#if(0)\n#endi",
+                           // Behind a last "#" nothing is left of the line before.
+                           "#if(0)\n; #endif\n#", "#if(0)\n#if(1)\n;   #endif\n#endif"}) {
     Kept kept = keep(text);
     EXPECT_EQ(kept.end, kEndifMissingAtEnd) << text;
     EXPECT_TRUE(kept.lines.empty()) << text;
