@@ -55,7 +55,9 @@ bool closesInLine(SourceReader &source, DroppedComments &comments, int outerDept
     } else if (text[0] == '/' && text[1] == '*') {
       comments.block = true;
     }
-    ++source.position;
+    if (*text != '\0') {
+      ++source.position;
+    }
   }
   return false;
 }

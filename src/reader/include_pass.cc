@@ -119,9 +119,9 @@ void follow(Level &level, int c) {
 }
 
 // The name between the bars, the first bar already read. Line feeds in it count but are left out.
+// `openable` becomes false for a name that no text has.
 ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
   int count = 0;
-  openable = true;
   for (int c = take(level); c != '|' && c != kEnd; c = take(level)) {
     if (++count > kMostNameCharacters) {
       return fail(pass, level, kAlreadyReported,

@@ -3,18 +3,23 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
 
-#include "driver/run.h"
 #include "base/characters.h"
+#include "program/run.h"
 
 namespace {
 
+using korvo::isDigit;
+using korvo::isSpace;
+
 constexpr std::size_t kLargeAllocation = 256 * 1024;  // a chunk of events is larger
 constexpr int kMostLargeAllocations = 2;
+constexpr std::size_t kMostAtOnce = 997;  // bytes that a text in memory gives
 constexpr int kMostDigits = 5;
 constexpr int kMostZeroDecimals = 2;
 
@@ -171,12 +176,11 @@ bool isReasonable(const std::uint8_t *data, std::size_t size) {
   return true;
 }
 
-void beginRun() {
-  std::srand(1);
-  largeAllocations = 0;
-}
+void beginRun() { largeAllocations = 0; }
 
-std::FILE *memoryFile(const std::uint8_t *data, std::size_t size, char *path) {
+// The bytes as a file open for reading; null when there is no memory for it. `path` has room for
+// 64 characters and gets a name under which the file can be opened again while it is open.
+static std::FILE *memoryFile(const std::uint8_t *data, std::size_t size, char *path) {
   int descriptor = memfd_create("piece", MFD_CLOEXEC);
   if (descriptor < 0) {
     return nullptr;
@@ -207,11 +211,30 @@ void runProgram(const std::uint8_t *data, std::size_t size, const char *const *a
   argv[argc++] = "/dev/null";
   argv[argc] = nullptr;
   beginRun();
-  int status = runKorvo(argc, argv);
+  int status = ::runProgram(argc, argv);
   std::fclose(file);
   if (status != 0 && status != 1) {
     fail("an exit status that is neither 0 nor 1");
   }
+}
+
+std::optional<std::string> includeText(std::string_view name) {
+  for (const IncludeFile &file : kIncludeFiles) {
+    if (name == file.name) {
+      return std::string(static_cast<std::size_t>(file.blanks), ' ') + file.text;
+    }
+  }
+  return std::nullopt;
+}
+
+korvo::TextInput inputOf(MemoryText &text) {
+  return {&text, [](void *context, char *bytes, std::size_t size) {
+            auto &self = *static_cast<MemoryText *>(context);
+            std::size_t count = std::min({size, kMostAtOnce, self.text.size() - self.taken});
+            std::memcpy(bytes, self.text.data() + self.taken, count);
+            self.taken += count;
+            return static_cast<std::ptrdiff_t>(count);
+          }};
 }
 
 void fail(const char *what) {

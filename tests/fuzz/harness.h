@@ -1,10 +1,15 @@
-// What the fuzzers share: an input becomes a file in memory, and what the program writes to its
-// streams is dropped. Sanitizers and libFuzzer write past the streams, so their reports are seen.
+// What the fuzzers share: an input becomes a text or a file in memory, and what the program writes
+// to its streams is dropped. Sanitizers and libFuzzer write past the streams, so their reports are
+// seen.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "korvo/korvo.h"
 
 namespace fuzz {
 
@@ -20,14 +25,19 @@ void silence();
 // allocations below are the real guard.
 bool isReasonable(const std::uint8_t *data, std::size_t size);
 
-// Begins a run: the generator's sequence starts anew, and so does the count of large allocations.
-// From the third chunk of events on memory is refused, which ends a run as it would on a full
-// machine.
+// Begins a run: the count of large allocations starts anew. From the third chunk of events on
+// memory is refused, which ends a run as it would on a full machine.
 void beginRun();
 
-// The bytes as a file open for reading; null when there is no memory for it. `path` has room for
-// 64 characters and gets a name under which the file can be opened again while it is open.
-std::FILE *memoryFile(const std::uint8_t *data, std::size_t size, char *path);
+// The text of the include called `name`, as the files in the folder have it.
+std::optional<std::string> includeText(std::string_view name);
+
+// A text in memory, and how much of it has been read.
+struct MemoryText {
+  std::string text;
+  std::size_t taken = 0;
+};
+korvo::TextInput inputOf(MemoryText &text);
 
 // Runs the whole program on the bytes. `arguments` are the options, closed by a null.
 void runProgram(const std::uint8_t *data, std::size_t size, const char *const *arguments);

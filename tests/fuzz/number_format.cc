@@ -11,6 +11,8 @@
 
 namespace {
 
+using namespace korvo;
+
 void checkReal(double value, int width, int decimals) {
   // Exactly as much room as is promised, on the heap, where a byte too many is noticed.
   std::vector<char> written(kLongestNumber);

@@ -9,11 +9,13 @@
 #include <cstring>
 #include <string>
 
-#include "harness.h"
 #include "base/characters.h"
 #include "base/numbers.h"
+#include "harness.h"
 
 namespace {
+
+using namespace korvo;
 
 struct Text {
   const char *line;

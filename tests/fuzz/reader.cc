@@ -2,17 +2,18 @@
 // with a statement of the preprocessor, executed. Some macros and constants are there from the
 // start. What must hold of every line is checked.
 #include <cstring>
-#include <memory>
 #include <string>
 
+#include "base/characters.h"
 #include "driver/run_state.h"
+#include "global/scanner.h"
 #include "global/statements.h"
 #include "harness.h"
-#include "reader/lexical.h"
 #include "reader/line_reader.h"
-#include "global/scanner.h"
 
 namespace {
+
+using namespace korvo;
 
 constexpr char kPrelude[] =
     "#define a #1 2#\n#define b(x) #$x $x#\n#define c(x, y) #$b($x) $y $a#\n"
@@ -41,31 +42,31 @@ void checkLine(const SourceReader &source) {
   }
 }
 
-ErrorCode runLine(RunState &run, SourceReader &source) {
+ErrorCode runLine(SourceReader &source, GlobalState &global) {
   skipBlanksInLine(source.line, source.position);
   if (source.line[source.position] != '#' ||
-      !lookupDdfName(source.line, source.position, run.name)) {
+      !lookupDdfName(source.line, source.position, global.name)) {
     return kOk;
   }
-  return RunGlobalStatement(run, source, run.name.code);
+  return RunGlobalStatement(source, global, global.name.code);
 }
 
-void readAll(RunState &run, SourceReader &source) {
-  if (scan_to_next_iblock(run, source) != kOk) {
+void readAll(SourceReader &source, GlobalState &global) {
+  if (scan_to_next_iblock(source, global) != kOk) {
     fuzz::fail("the prelude is not read");
   }
   for (;;) {
-    ErrorCode error = read_line(run, source);
+    ErrorCode error = read_line(source);
     checkLine(source);
     if (error == kOk) {
-      error = runLine(run, source);
+      error = runLine(source, global);
       checkLine(source);
     }
     if (error == kEndOfInput) {
       return;
     }
     if (error > 0) {
-      reportError(run, source, error);
+      reportError(source, error);
     }
   }
 }
@@ -76,22 +77,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   if (size > fuzz::kMostBytes) {
     return -1;
   }
-  fuzz::silence();
   fuzz::beginRun();
-  std::string text(kPrelude);
-  text.append(reinterpret_cast<const char *>(data), size);
-  char path[64];
-  auto run = std::make_unique<RunState>();
-  auto source = std::make_unique<SourceReader>();
-  source->input =
-      fuzz::memoryFile(reinterpret_cast<const std::uint8_t *>(text.data()), text.size(), path);
-  if (source->input == nullptr) {
-    return 0;
-  }
-  readAll(*run, *source);
-  std::fclose(source->input);
-  freeMacros(run->macros);
-  freeConstants(run->constants);
-  flushScreen(run->screen);
+  fuzz::MemoryText text{kPrelude};
+  text.text.append(reinterpret_cast<const char *>(data), size);
+  Run *run = newRun();
+  SourceReader &source = run->source;
+  GlobalState &global = run->making.global;
+  source.input.text = fuzz::inputOf(text);
+  source.messages = &run->messages;
+  source.random = &global.random;
+  source.values.tempo = &global.tempo.current;
+  global.score = &run->output;
+  seedRandom(global.random, 1);
+  readAll(source, global);
+  freeRun(run);
   return 0;
 }

@@ -9,6 +9,8 @@
 
 #include "support/events.h"
 
+namespace korvo {
+
 namespace {
 
 // An event list on the heap that is released at the end.
@@ -186,3 +188,5 @@ TEST(EventList, CanBeUsedAgainForOtherEvents) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -8,6 +8,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 struct Read {
@@ -26,18 +28,17 @@ struct Setting {
 
 Read read(CommandCode mode, const std::string &text, const Setting &setting = {}) {
   Piece piece("");
-  RunState &run = piece.run;
-  run.pfield.inputMode = mode;
-  run.pfield.noteOctave = setting.octave;
-  run.pfield.lastValue = setting.lastValue;
-  run.options.midi = setting.midi;
-  run.name.quarterTones = setting.quarterTones;
+  piece.making.pfield.inputMode = mode;
+  piece.making.pfield.noteOctave = setting.octave;
+  piece.making.pfield.lastValue = setting.lastValue;
+  piece.making.midi = setting.midi;
+  piece.global.name.quarterTones = setting.quarterTones;
   std::string padded = "p4 " + text;
   std::int32_t position = 3;
   float value = -99.0F;
-  bool readable = readValue(run, padded.c_str(), position, value);
+  bool readable = readValue(piece.making, padded.c_str(), position, value);
   return {readable, value, padded.substr(static_cast<std::size_t>(position)),
-          run.pfield.noteOctave};
+          piece.making.pfield.noteOctave};
 }
 
 struct Row {
@@ -234,3 +235,5 @@ TEST(InputModes, ValuesMayStandAtTheEndOfALine) {
 }
 
 }  // namespace
+
+}  // namespace korvo

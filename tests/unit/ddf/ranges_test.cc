@@ -4,11 +4,12 @@
 
 #include <cctype>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 #include "base/random.h"
 #include "support/scripted_draws.h"
+
+namespace korvo {
 
 namespace {
 
@@ -26,29 +27,12 @@ TEST(Ranges, TypeLetters) {
   }
 }
 
-TEST(Ranges, ADrawIsBetweenZeroAndOne) {
-  ScriptedDraws draws{kDrawZero, kDrawQuarter, kDrawHalf, kDrawThreeQuarters, kDrawOne, 1};
-  EXPECT_EQ(drawUnit(), 0.0F);
-  EXPECT_EQ(drawUnit(), 0.25F);
-  EXPECT_EQ(drawUnit(), 0.5F);
-  EXPECT_EQ(drawUnit(), 0.75F);
-  EXPECT_EQ(drawUnit(), 1.0F);
-  EXPECT_EQ(drawUnit(), 4.656613e-10F);
-}
-
-TEST(Ranges, AnIndexIsTheRemainderOfADraw) {
-  ScriptedDraws draws{7, 2147483647, 0, 5};
-  EXPECT_EQ(drawIndex(3), 1U);
-  EXPECT_EQ(drawIndex(10), 7U);
-  EXPECT_EQ(drawIndex(1), 0U);
-  EXPECT_EQ(drawIndex(6), 5U);
-}
-
 // The weight that a distribution makes of a script: a value of the range 0 to 1.
-float weight(int distribution, std::initializer_list<int> script, std::size_t taken) {
-  ScriptedDraws draws(script);
-  float value = drawFromRange({distribution, 0.0F, 1.0F});
-  EXPECT_EQ(draws.taken(), taken) << distribution;
+float weight(int distribution, std::initializer_list<std::uint32_t> draws, std::uint32_t taken) {
+  Random random;
+  script(random, draws);
+  float value = drawFromRange(random, {distribution, 0.0F, 1.0F});
+  EXPECT_EQ(random.next, taken) << distribution;
   return value;
 }
 
@@ -82,12 +66,12 @@ TEST(Ranges, Triangular) {
 }
 
 TEST(Ranges, BellShaped) {
-  constexpr int kH = kDrawHalf;
+  constexpr std::uint32_t kH = kDrawHalf;
   EXPECT_EQ(weight(4, {kH, kH, kH, kH, kH, kH, kH, kH, kH, kH, kH, kH}, 12), 0.5F);
   EXPECT_EQ(weight(4, {kDrawThreeQuarters, kH, kH, kH, kH, kH, kH, kH, kH, kH, kH, kH}, 12),
             static_cast<float>(0.25 * 0.155 + 0.5));
   EXPECT_EQ(weight(4, {}, 12), 0.0F);  // clamped
-  constexpr int kO = kDrawOne;
+  constexpr std::uint32_t kO = kDrawOne;
   EXPECT_EQ(weight(4, {kO, kO, kO, kO, kO, kO, kO, kO, kO, kO, kO, kO}, 12), 1.0F);
 }
 
@@ -123,18 +107,20 @@ TEST(Ranges, FromTheLowToTheHighEnd) {
       {0, 8, 2}, {10, 20, 12.5F}, {-4, 4, -2}, {5, 5, 5}, {8, 0, 6},
   };
   for (const auto &row : rows) {
-    ScriptedDraws draws{kDrawQuarter};
-    EXPECT_EQ(drawFromRange({0, row.low, row.high}), row.quarter);
+    Random random;
+    script(random, {kDrawQuarter});
+    EXPECT_EQ(drawFromRange(random, {0, row.low, row.high}), row.quarter);
   }
 }
 
 TEST(Ranges, EveryTypeStaysInItsRange) {
-  std::srand(1);
+  Random random;
+  seedRandom(random, 1);
   for (int type = 0; type <= 6; ++type) {
     float low = 100;
     float high = -100;
     for (int i = 0; i < 20000; ++i) {
-      float value = drawFromRange({type, -2.0F, 3.0F});
+      float value = drawFromRange(random, {type, -2.0F, 3.0F});
       ASSERT_GE(value, -2.0F) << type;
       ASSERT_LE(value, 3.0F) << type;
       low = std::fmin(low, value);
@@ -146,10 +132,13 @@ TEST(Ranges, EveryTypeStaysInItsRange) {
 }
 
 TEST(Ranges, OneValueIsThatValueWhateverTheType) {
-  std::srand(1);
+  Random random;
+  seedRandom(random, 1);
   for (int type = 0; type <= 6; ++type) {
-    EXPECT_EQ(drawFromRange({type, 3.0F, 3.0F}), 3.0F);
+    EXPECT_EQ(drawFromRange(random, {type, 3.0F, 3.0F}), 3.0F);
   }
 }
 
 }  // namespace
+
+}  // namespace korvo

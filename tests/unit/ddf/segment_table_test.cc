@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace korvo {
+
 namespace {
 
 TEST(SegmentTable, PoolsGrow) {
@@ -78,3 +80,5 @@ TEST(SegmentTable, ATableHasRoomFor128Segments) {
 }
 
 }  // namespace
+
+}  // namespace korvo

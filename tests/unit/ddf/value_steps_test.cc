@@ -12,6 +12,8 @@
 #include "support/piece.h"
 #include "support/scripted_draws.h"
 
+namespace korvo {
+
 namespace {
 
 // A block with `parameters` p-fields from P4 up, of `events` events, or with 0 measured in beats.
@@ -19,29 +21,29 @@ struct Block : Piece {
   explicit Block(int parameters, std::int64_t events, float length = 0.0F, float start = 0.0F)
       : Piece("the line\n") {
     read();
-    run.block.header.pfieldCount = parameters + 3;
-    run.block.header.start = start;
-    run.block.header.length = events > 0 ? static_cast<float>(-events) : length;
-    run.block.target = events;
-    beginEvents(run.events, parameters);
-    startClock(run);
-    beginPfield(run, 2);
+    making.block.header.pfieldCount = parameters + 3;
+    making.block.header.start = start;
+    making.block.header.length = events > 0 ? static_cast<float>(-events) : length;
+    making.block.target = events;
+    beginEvents(making.events, parameters);
+    startClock(making);
+    beginPfield(making, 2);
   }
 
   void makeEvents(int count, float rhythm) {
     for (int i = 0; i < count; ++i) {
-      ScriptedDraws draws{kDrawHalf};
-      EXPECT_EQ(startStep(run, rhythm, ZeroInterval::kAllowed), kOk);
+      script(random, {kDrawHalf});
+      EXPECT_EQ(startStep(making, rhythm, ZeroInterval::kAllowed), kOk);
     }
-    run.block.target = count;
+    making.block.target = count;
   }
 };
 
 TEST(ValueSteps, ABlockOfEventsIsFullByTheirNumber) {
   Block block(0, 3);
   for (int filled = 0; filled < 6; ++filled) {
-    block.run.pfield.filled = filled;
-    EXPECT_EQ(blockIsFull(block.run), filled >= 3) << filled;
+    block.making.pfield.filled = filled;
+    EXPECT_EQ(blockIsFull(block.making), filled >= 3) << filled;
   }
 }
 
@@ -52,8 +54,8 @@ TEST(ValueSteps, ABlockOfBeatsIsFullByItsClock) {
     bool full;
   } rows[] = {{0, false}, {3.999F, false}, {4, true}, {5, true}};
   for (const auto &row : rows) {
-    block.run.tempo.beat = row.beat;
-    EXPECT_EQ(blockIsFull(block.run), row.full) << row.beat;
+    block.global.tempo.beat = row.beat;
+    EXPECT_EQ(blockIsFull(block.making), row.full) << row.beat;
   }
 }
 
@@ -76,34 +78,34 @@ TEST(ValueSteps, ABlockThatAsksForTooManyEventsIsKnownBeforehand) {
   };
   for (const auto &row : rows) {
     Block block(0, row.target, 4.0F);
-    block.run.pfield.filled = row.filled;
-    EXPECT_EQ(exceedsBlock(block.run, row.more), row.exceeds) << row.target << " " << row.more;
+    block.making.pfield.filled = row.filled;
+    EXPECT_EQ(exceedsBlock(block.making, row.more), row.exceeds) << row.target << " " << row.more;
   }
 }
 
 TEST(ValueSteps, TheClockBeginsAtTheStartInBeats) {
   Block block(0, 0, 8.0F, 10.0F);
-  EXPECT_EQ(block.run.tempo.beat, 10);
-  EXPECT_EQ(block.run.block.endBeat, 18);
-  block.run.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
-  startClock(block.run);
-  EXPECT_EQ(block.run.tempo.beat, 20);
-  EXPECT_EQ(block.run.block.endBeat, 28);
+  EXPECT_EQ(block.global.tempo.beat, 10);
+  EXPECT_EQ(block.making.block.endBeat, 18);
+  block.global.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
+  startClock(block.making);
+  EXPECT_EQ(block.global.tempo.beat, 20);
+  EXPECT_EQ(block.making.block.endBeat, 28);
 }
 
 TEST(ValueSteps, StartsFollowTheMagnitudesOfTheRhythms) {
   Block block(0, 10, 0, 5.0F);
-  ScriptedDraws draws{};
+  script(block.random);
   for (float rhythm : {1.0F, -2.0F, 0.5F, 0.0F, 4.0F}) {
-    EXPECT_EQ(startStep(block.run, rhythm, ZeroInterval::kError), kOk);
+    EXPECT_EQ(startStep(block.making, rhythm, ZeroInterval::kError), kOk);
   }
-  EXPECT_EQ(draws.taken(), 5U);  // one each, also without any deviation
+  EXPECT_EQ(block.random.next, 5U);  // one each, also without any deviation
   struct {
     float start;
     float rhythm;
     float beat;
   } rows[] = {{5, 1, 5}, {6, -2, 6}, {8, 0.5F, 8}, {8.5F, 0, 8.5F}, {8.5F, 4, 8.5F}};
-  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  std::vector<EventRecord *> events = eventsOf(block.making.events);
   ASSERT_EQ(events.size(), 5U);
   for (std::size_t i = 0; i < events.size(); ++i) {
     EXPECT_EQ(events[i]->start, rows[i].start) << i;
@@ -111,22 +113,22 @@ TEST(ValueSteps, StartsFollowTheMagnitudesOfTheRhythms) {
     EXPECT_EQ(events[i]->beat, rows[i].beat) << i;
     EXPECT_EQ(events[i]->flag, 0) << i;
   }
-  EXPECT_EQ(block.run.tempo.beat, 12.5F);
-  EXPECT_EQ(block.run.pfield.filled, 5);
-  EXPECT_TRUE(block.run.pfield.dataSeen);
+  EXPECT_EQ(block.global.tempo.beat, 12.5F);
+  EXPECT_EQ(block.making.pfield.filled, 5);
+  EXPECT_TRUE(block.making.pfield.dataSeen);
 }
 
 TEST(ValueSteps, RhythmsAreConvertedThenDeviated) {
   Block block(0, 10, 0, 3.0F);
-  block.run.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
-  startClock(block.run);  // beat 6
-  block.run.settings.rd = 0.25F;
-  block.run.settings.dv = 0.25F;
-  ScriptedDraws draws{kDrawOne, kDrawZero, kDrawHalf};
+  block.global.tempo.defs[0] = {0, 120, 1000, 120, 0, 0};
+  startClock(block.making);  // beat 6
+  block.global.settings.rd = 0.25F;
+  block.global.settings.dv = 0.25F;
+  script(block.random, {kDrawOne, kDrawZero, kDrawHalf});
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(startStep(block.run, 4, ZeroInterval::kError), kOk);  // 2 s, spread by 1 s
+    EXPECT_EQ(startStep(block.making, 4, ZeroInterval::kError), kOk);  // 2 s, spread by 1 s
   }
-  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  std::vector<EventRecord *> events = eventsOf(block.making.events);
   EXPECT_EQ(events[0]->duration, 2.5F);
   EXPECT_EQ(events[1]->duration, 1.5F);
   EXPECT_EQ(events[2]->duration, 2.0F);
@@ -137,19 +139,19 @@ TEST(ValueSteps, RhythmsAreConvertedThenDeviated) {
   EXPECT_EQ(events[0]->beat, 6);
   EXPECT_EQ(events[1]->beat, 10);
   EXPECT_EQ(events[2]->beat, 14);
-  EXPECT_EQ(block.run.tempo.beat, 18);
+  EXPECT_EQ(block.global.tempo.beat, 18);
 }
 
 TEST(ValueSteps, AnInsertedEventStartsWithTheOneBefore) {
   Block block(0, 10);
-  ScriptedDraws draws{};
-  startStep(block.run, 1, ZeroInterval::kError);
-  startStep(block.run, 2, ZeroInterval::kError);
-  block.run.pfield.insertRequest = true;
-  startStep(block.run, 0.5F, ZeroInterval::kError);
-  EXPECT_FALSE(block.run.pfield.insertRequest);
-  startStep(block.run, 4, ZeroInterval::kError);
-  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  script(block.random);
+  startStep(block.making, 1, ZeroInterval::kError);
+  startStep(block.making, 2, ZeroInterval::kError);
+  block.making.pfield.insertRequest = true;
+  startStep(block.making, 0.5F, ZeroInterval::kError);
+  EXPECT_FALSE(block.making.pfield.insertRequest);
+  startStep(block.making, 4, ZeroInterval::kError);
+  std::vector<EventRecord *> events = eventsOf(block.making.events);
   EXPECT_EQ(events[2]->flag, 1);
   EXPECT_EQ(events[2]->start, 1);
   EXPECT_EQ(events[2]->beat, 1);
@@ -161,46 +163,44 @@ TEST(ValueSteps, AnInsertedEventStartsWithTheOneBefore) {
 
 TEST(ValueSteps, AnIntervalOfZeroIsAnErrorInABlockOfBeats) {
   Block block(0, 0, 4.0F);
-  ScriptedDraws draws{};
-  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kError), kZeroInterval);
-  EXPECT_EQ(startStep(block.run, -0.0F, ZeroInterval::kError), kZeroInterval);
-  EXPECT_EQ(block.run.events.count, 0U);
-  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk);
-  EXPECT_EQ(startStep(block.run, 1e-6F, ZeroInterval::kError), kOk);
+  script(block.random);
+  EXPECT_EQ(startStep(block.making, 0, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(startStep(block.making, -0.0F, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(block.making.events.count, 0U);
+  EXPECT_EQ(startStep(block.making, 0, ZeroInterval::kAllowed), kOk);
+  EXPECT_EQ(startStep(block.making, 1e-6F, ZeroInterval::kError), kOk);
   // One that is merely too small to move the clock makes its event.
-  block.run.tempo.beat = 1000000;
-  EXPECT_EQ(startStep(block.run, 0.01F, ZeroInterval::kError), kOk);
-  EXPECT_EQ(startStep(block.run, -0.01F, ZeroInterval::kError), kOk);
-  EXPECT_EQ(block.run.tempo.beat, 1000000);
+  block.global.tempo.beat = 1000000;
+  EXPECT_EQ(startStep(block.making, 0.01F, ZeroInterval::kError), kOk);
+  EXPECT_EQ(startStep(block.making, -0.01F, ZeroInterval::kError), kOk);
+  EXPECT_EQ(block.global.tempo.beat, 1000000);
   Block counted(0, 4);
-  EXPECT_EQ(startStep(counted.run, 0, ZeroInterval::kError), kOk);
+  EXPECT_EQ(startStep(counted.making, 0, ZeroInterval::kError), kOk);
 }
 
 TEST(ValueSteps, ABlockOfBeatsThatStandsStillEnds) {
   Block block(0, 0, 4.0F);
-  std::srand(1);
   for (int i = 0; i < 65536; ++i) {
-    ASSERT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk) << i;
+    ASSERT_EQ(startStep(block.making, 0, ZeroInterval::kAllowed), kOk) << i;
   }
-  EXPECT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kZeroInterval);
+  EXPECT_EQ(startStep(block.making, 0, ZeroInterval::kAllowed), kZeroInterval);
 
   Block late(0, 0, 4.0F);  // at a million a hundredth of a beat stands still, too
-  late.run.tempo.beat = 1000000;
-  late.run.block.endBeat = 1000004;
+  late.global.tempo.beat = 1000000;
+  late.making.block.endBeat = 1000004;
   for (int i = 0; i < 65536; ++i) {
-    ASSERT_EQ(startStep(late.run, 0.01F, ZeroInterval::kError), kOk) << i;
+    ASSERT_EQ(startStep(late.making, 0.01F, ZeroInterval::kError), kOk) << i;
   }
-  EXPECT_EQ(startStep(late.run, 0.01F, ZeroInterval::kError), kZeroInterval);
+  EXPECT_EQ(startStep(late.making, 0.01F, ZeroInterval::kError), kZeroInterval);
 }
 
 TEST(ValueSteps, AnyMovementCountsAnew) {
   Block block(0, 0, 4.0F);
-  std::srand(1);
   for (int round = 0; round < 2; ++round) {
     for (int i = 0; i < 60000; ++i) {
-      ASSERT_EQ(startStep(block.run, 0, ZeroInterval::kAllowed), kOk) << i;
+      ASSERT_EQ(startStep(block.making, 0, ZeroInterval::kAllowed), kOk) << i;
     }
-    ASSERT_EQ(startStep(block.run, 0.5F, ZeroInterval::kAllowed), kOk);
+    ASSERT_EQ(startStep(block.making, 0.5F, ZeroInterval::kAllowed), kOk);
   }
 }
 
@@ -239,12 +239,12 @@ TEST(ValueSteps, DurationsByTheirBand) {
   for (const auto &row : rows) {
     Block block(0, 1);
     block.makeEvents(1, row.rhythm);
-    block.run.tempo.current = 120;
-    beginPfield(block.run, 3);
-    EventRecord &event = *eventsOf(block.run.events)[0];
-    ScriptedDraws draws{};
-    durationStep(block.run, block.source, event, row.value);
-    EXPECT_EQ(draws.taken(), 2U) << row.value;
+    block.global.tempo.current = 120;
+    beginPfield(block.making, 3);
+    EventRecord &event = *eventsOf(block.making.events)[0];
+    script(block.random);
+    durationStep(block.making, block.source, event, row.value);
+    EXPECT_EQ(block.random.next, 2U) << row.value;
     EXPECT_EQ(event.duration, row.duration) << row.value;
     EXPECT_EQ(block.messages(),
               row.warned ? "\nWARNING: P3 Duration < 0! (Event turned into rest...)" : "")
@@ -255,23 +255,23 @@ TEST(ValueSteps, DurationsByTheirBand) {
 TEST(ValueSteps, DurationsAreDeviatedByRDThenByDV) {
   Block block(0, 1);
   block.makeEvents(1, 1);
-  beginPfield(block.run, 3);
-  block.run.settings.rd = 0.5F;
-  block.run.settings.dv = 0.25F;
-  EventRecord &event = *eventsOf(block.run.events)[0];
-  ScriptedDraws draws{kDrawOne, kDrawZero};
-  durationStep(block.run, block.source, event, 1008);
+  beginPfield(block.making, 3);
+  block.global.settings.rd = 0.5F;
+  block.global.settings.dv = 0.25F;
+  EventRecord &event = *eventsOf(block.making.events)[0];
+  script(block.random, {kDrawOne, kDrawZero});
+  durationStep(block.making, block.source, event, 1008);
   EXPECT_EQ(event.duration, 8.75F);  // 8 spread to 10, then 10 to 8.75
 }
 
 TEST(ValueSteps, DurationsAreMultipliedByPF) {
   Block block(0, 1);
   block.makeEvents(1, 4);
-  beginPfield(block.run, 3);
-  block.run.settings.pf = -0.5F;
-  EventRecord &event = *eventsOf(block.run.events)[0];
-  ScriptedDraws draws{};
-  durationStep(block.run, block.source, event, 201);
+  beginPfield(block.making, 3);
+  block.global.settings.pf = -0.5F;
+  EventRecord &event = *eventsOf(block.making.events)[0];
+  script(block.random);
+  durationStep(block.making, block.source, event, 201);
   EXPECT_EQ(event.duration, -2.5F);
 }
 
@@ -289,14 +289,14 @@ TEST(ValueSteps, Parameters) {
   for (const auto &row : rows) {
     Block block(3, 1);
     block.makeEvents(1, 1);
-    beginPfield(block.run, 5);
-    block.run.pfield.inputMode = row.mode;
-    block.run.name.quarterTones = row.quarterTones;
-    block.run.settings.pf = 2;
-    EventRecord &event = *eventsOf(block.run.events)[0];
-    ScriptedDraws draws{kDrawZero};
-    EXPECT_EQ(parameterStep(block.run, event, row.value), row.stored) << row.mode;
-    EXPECT_EQ(draws.taken(), 1U);
+    beginPfield(block.making, 5);
+    block.making.pfield.inputMode = row.mode;
+    block.global.name.quarterTones = row.quarterTones;
+    block.global.settings.pf = 2;
+    EventRecord &event = *eventsOf(block.making.events)[0];
+    script(block.random, {kDrawZero});
+    EXPECT_EQ(parameterStep(block.making, event, row.value), row.stored) << row.mode;
+    EXPECT_EQ(block.random.next, 1U);
     EXPECT_EQ(valuesOf(event)[0], 0);
     EXPECT_EQ(valuesOf(event)[1], row.stored * 2) << row.mode;
     EXPECT_EQ(valuesOf(event)[2], 0);
@@ -306,52 +306,44 @@ TEST(ValueSteps, Parameters) {
 TEST(ValueSteps, ParametersAreDeviatedBeforeRounding) {
   Block block(1, 1);
   block.makeEvents(1, 1);
-  beginPfield(block.run, 4);
-  block.run.settings.rd = 0.25F;
-  block.run.settings.dv = 0.25F;
-  EventRecord &event = *eventsOf(block.run.events)[0];
-  {
-    ScriptedDraws draws{kDrawQuarter};
-    EXPECT_EQ(parameterStep(block.run, event, 100), 87.5F);  // 100 - 25 + 12.5
-  }
-  {
-    ScriptedDraws draws{kDrawQuarter};
-    EXPECT_EQ(parameterStep(block.run, event, -100), -87.5F);
-  }
-  block.run.pfield.inputMode = kNO;
-  {
-    ScriptedDraws draws{kDrawQuarter};
-    EXPECT_EQ(parameterStep(block.run, event, 100), 88);
-  }
+  beginPfield(block.making, 4);
+  block.global.settings.rd = 0.25F;
+  block.global.settings.dv = 0.25F;
+  EventRecord &event = *eventsOf(block.making.events)[0];
+  script(block.random, {kDrawQuarter, kDrawQuarter, kDrawQuarter});
+  EXPECT_EQ(parameterStep(block.making, event, 100), 87.5F);  // 100 - 25 + 12.5
+  EXPECT_EQ(parameterStep(block.making, event, -100), -87.5F);
+  block.making.pfield.inputMode = kNO;
+  EXPECT_EQ(parameterStep(block.making, event, 100), 88);
 }
 
 TEST(ValueSteps, EventsAreFilledInTheirOrder) {
   Block block(1, 3);
   block.makeEvents(3, 1);
-  beginPfield(block.run, 4);
-  ScriptedDraws draws{};
+  beginPfield(block.making, 4);
+  script(block.random);
   for (float value : {1.0F, 2.0F, 3.0F}) {
-    EXPECT_EQ(applyValue(block.run, block.source, value), kOk);
+    EXPECT_EQ(applyValue(block.making, block.source, value), kOk);
   }
-  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  std::vector<EventRecord *> events = eventsOf(block.making.events);
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(valuesOf(*events[i])[0], i + 1);
   }
-  EXPECT_TRUE(blockIsFull(block.run));
+  EXPECT_TRUE(blockIsFull(block.making));
 }
 
 TEST(ValueSteps, AnInsertedValueFillsACopyOfTheEventBefore) {
   Block block(2, 2);
   block.makeEvents(2, 1);
-  beginPfield(block.run, 4);
-  ScriptedDraws draws{};
-  EXPECT_EQ(applyValue(block.run, block.source, 10), kOk);
-  valuesOf(*eventsOf(block.run.events)[0])[1] = 5;
-  block.run.pfield.insertRequest = true;
-  EXPECT_EQ(applyValue(block.run, block.source, 11), kOk);
-  EXPECT_FALSE(block.run.pfield.insertRequest);
-  EXPECT_EQ(applyValue(block.run, block.source, 12), kOk);
-  std::vector<EventRecord *> events = eventsOf(block.run.events);
+  beginPfield(block.making, 4);
+  script(block.random);
+  EXPECT_EQ(applyValue(block.making, block.source, 10), kOk);
+  valuesOf(*eventsOf(block.making.events)[0])[1] = 5;
+  block.making.pfield.insertRequest = true;
+  EXPECT_EQ(applyValue(block.making, block.source, 11), kOk);
+  EXPECT_FALSE(block.making.pfield.insertRequest);
+  EXPECT_EQ(applyValue(block.making, block.source, 12), kOk);
+  std::vector<EventRecord *> events = eventsOf(block.making.events);
   ASSERT_EQ(events.size(), 3U);
   EXPECT_EQ(valuesOf(*events[0])[0], 10);
   EXPECT_EQ(valuesOf(*events[1])[0], 11);
@@ -368,18 +360,18 @@ TEST(ValueSteps, AnInsertedValueFillsACopyOfTheEventBefore) {
 TEST(ValueSteps, ACopyCanBeMadeBeforeItIsFilled) {
   Block block(1, 2);
   block.makeEvents(2, 1);
-  beginPfield(block.run, 4);
-  ScriptedDraws draws{};
-  EXPECT_EQ(insertPending(block.run), kOk);
-  EXPECT_EQ(block.run.events.count, 2U);
-  applyValue(block.run, block.source, 10);
-  block.run.pfield.insertRequest = true;
-  EXPECT_EQ(insertPending(block.run), kOk);
-  EXPECT_FALSE(block.run.pfield.insertRequest);
-  EXPECT_EQ(block.run.events.count, 3U);
-  EXPECT_EQ(eventAt(block.run.events, peekNextEvent(block.run)).flag, 1);
-  applyValue(block.run, block.source, 11);
-  EXPECT_EQ(valuesOf(*eventsOf(block.run.events)[1])[0], 11);
+  beginPfield(block.making, 4);
+  script(block.random);
+  EXPECT_EQ(insertPending(block.making), kOk);
+  EXPECT_EQ(block.making.events.count, 2U);
+  applyValue(block.making, block.source, 10);
+  block.making.pfield.insertRequest = true;
+  EXPECT_EQ(insertPending(block.making), kOk);
+  EXPECT_FALSE(block.making.pfield.insertRequest);
+  EXPECT_EQ(block.making.events.count, 3U);
+  EXPECT_EQ(eventAt(block.making.events, peekNextEvent(block.making)).flag, 1);
+  applyValue(block.making, block.source, 11);
+  EXPECT_EQ(valuesOf(*eventsOf(block.making.events)[1])[0], 11);
 }
 
 TEST(ValueSteps, ARestInNotesSilencesTheEvent) {
@@ -391,30 +383,28 @@ TEST(ValueSteps, ARestInNotesSilencesTheEvent) {
   for (const auto &row : rows) {
     Block block(1, 1);
     block.makeEvents(1, 2);
-    beginPfield(block.run, 4);
-    block.run.pfield.inputMode = row.mode;
-    ScriptedDraws draws{};
-    EXPECT_EQ(applyValue(block.run, block.source, row.value), kOk);
-    EXPECT_EQ(eventsOf(block.run.events)[0]->duration, row.duration) << row.mode;
-    EXPECT_EQ(valuesOf(*eventsOf(block.run.events)[0])[0], row.value);
+    beginPfield(block.making, 4);
+    block.making.pfield.inputMode = row.mode;
+    script(block.random);
+    EXPECT_EQ(applyValue(block.making, block.source, row.value), kOk);
+    EXPECT_EQ(eventsOf(block.making.events)[0]->duration, row.duration) << row.mode;
+    EXPECT_EQ(valuesOf(*eventsOf(block.making.events)[0])[0], row.value);
   }
 }
 
 TEST(ValueSteps, EveryPfieldHasItsStep) {
   Block block(1, 2);
-  {
-    ScriptedDraws draws{};
-    EXPECT_EQ(applyValue(block.run, block.source, 2), kOk);
-    EXPECT_EQ(draws.taken(), 1U);
-  }
-  EXPECT_EQ(block.run.events.count, 1U);
-  beginPfield(block.run, 3);
-  {
-    ScriptedDraws draws{};
-    EXPECT_EQ(applyValue(block.run, block.source, 1.5F), kOk);
-    EXPECT_EQ(draws.taken(), 2U);
-  }
-  EXPECT_EQ(eventsOf(block.run.events)[0]->duration, 3);
+  script(block.random);
+  EXPECT_EQ(applyValue(block.making, block.source, 2), kOk);
+  EXPECT_EQ(block.random.next, 1U);
+  EXPECT_EQ(block.making.events.count, 1U);
+  beginPfield(block.making, 3);
+  script(block.random);
+  EXPECT_EQ(applyValue(block.making, block.source, 1.5F), kOk);
+  EXPECT_EQ(block.random.next, 2U);
+  EXPECT_EQ(eventsOf(block.making.events)[0]->duration, 3);
 }
 
 }  // namespace
+
+}  // namespace korvo

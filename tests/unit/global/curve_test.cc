@@ -6,6 +6,8 @@
 #include <limits>
 #include <string>
 
+namespace korvo {
+
 namespace {
 
 TEST(Curve, Letters) {
@@ -136,3 +138,5 @@ TEST(Curve, TheSumIsRoundedOnce) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
-#include "support/memory_file.h"
 #include "support/piece.h"
+
+namespace korvo {
 
 namespace {
 
@@ -19,7 +19,7 @@ TEST(Statements, OnlySevenNamesAreGlobal) {
     }
     Piece piece("(1)\n");
     EXPECT_EQ(piece.read(), kOk);
-    EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, static_cast<CommandCode>(command)),
+    EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, static_cast<CommandCode>(command)),
               kInvalidGlobalData)
         << command;
     EXPECT_EQ(piece.source.position, 0);
@@ -29,38 +29,34 @@ TEST(Statements, OnlySevenNamesAreGlobal) {
 TEST(Statements, SetWhatTheyName) {
   Piece piece("(0.25)(96)(48000)\n");
   EXPECT_EQ(piece.read(), kOk);
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kRD), kOk);
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kTE), kOk);
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kSR), kOk);
-  EXPECT_EQ(piece.run.settings.rd, 0.25F);
-  EXPECT_EQ(piece.run.tempo.defs[0].startTempo, 96);
-  EXPECT_EQ(piece.run.settings.sampleRate, 48000U);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kRD), kOk);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kTE), kOk);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kSR), kOk);
+  EXPECT_EQ(piece.global.settings.rd, 0.25F);
+  EXPECT_EQ(piece.global.tempo.defs[0].startTempo, 96);
+  EXPECT_EQ(piece.global.settings.sampleRate, 48000U);
 }
 
 TEST(Statements, ReachThePreprocessor) {
   Piece piece("#const a 1\n#define m #1#\n");
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = 1;
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kConstWord), kOk);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kConstWord), kOk);
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = 1;
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kMacroWord), kOk);
-  EXPECT_EQ(piece.run.constants.count, 1U);
-  EXPECT_EQ(piece.run.macros.count, 1U);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kMacroWord), kOk);
+  EXPECT_EQ(piece.source.constants.count, 1U);
+  EXPECT_EQ(piece.source.macros.count, 1U);
 }
 
 std::string literal(const char *line, bool midi) {
   Piece piece(line);
-  MemoryFile output;
-  piece.run.output.file = output.file();
-  piece.run.options.midi = midi;
+  piece.global.score = midi ? nullptr : &piece.output;
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = 1;
-  EXPECT_EQ(RunGlobalStatement(piece.run, piece.source, kLiteralLine), kOk);
+  EXPECT_EQ(RunGlobalStatement(piece.source, piece.global, kLiteralLine), kOk);
   EXPECT_EQ(piece.rest(), "");
-  closeOutput(piece.run.output, true);
-  output.wasClosed();
-  return output.text();
+  return piece.written();
 }
 
 TEST(Statements, ALiteralLineGoesIntoTheScore) {
@@ -71,3 +67,5 @@ TEST(Statements, ALiteralLineGoesIntoTheScore) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -7,6 +7,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 // Runs the statements of a text, each `te` and what follows; stops at the first error.
@@ -21,7 +23,7 @@ ErrorCode define(Piece &piece) {
       continue;
     }
     piece.source.position += 2;
-    result = DefineTempo(piece.run, piece.source);
+    result = DefineTempo(piece.source, piece.global.tempo);
   }
   return result == kEndOfInput ? kOk : result;
 }
@@ -52,11 +54,11 @@ TEST(TempoMap, OneTempoForThePiece) {
     SCOPED_TRACE(text);
     Piece piece(text);
     EXPECT_EQ(define(piece), kOk);
-    EXPECT_EQ(piece.run.tempo.count, 1);
-    expectDef(piece.run.tempo.defs[0], 0, 1000, 120, 120, 0, 0);
+    EXPECT_EQ(piece.global.tempo.count, 1);
+    expectDef(piece.global.tempo.defs[0], 0, 1000, 120, 120, 0, 0);
     EXPECT_EQ(piece.messages(), "");
     for (float beat : {0.0F, 500.0F, 1000.0F, 5000.0F}) {
-      EXPECT_EQ(TempoAtBeat(piece.run.tempo, beat), 120) << beat;
+      EXPECT_EQ(TempoAtBeat(piece.global.tempo, beat), 120) << beat;
     }
   }
 }
@@ -64,7 +66,7 @@ TEST(TempoMap, OneTempoForThePiece) {
 TEST(TempoMap, OneTempoLeavesTheExponent) {
   Piece piece("te(0,10,60,90,v2.5) te(100)");
   EXPECT_EQ(define(piece), kOk);
-  expectDef(piece.run.tempo.defs[0], 0, 1000, 100, 100, 0, 2.5F);
+  expectDef(piece.global.tempo.defs[0], 0, 1000, 100, 100, 0, 2.5F);
 }
 
 TEST(TempoMap, ChangesOfTempo) {
@@ -99,10 +101,10 @@ TEST(TempoMap, ChangesOfTempo) {
     SCOPED_TRACE(row.text);
     Piece piece(row.text);
     EXPECT_EQ(define(piece), kOk);
-    EXPECT_EQ(piece.run.tempo.count, 2);
-    expectDef(piece.run.tempo.defs[1], row.startTime, row.endTime, row.startTempo, row.endTempo,
+    EXPECT_EQ(piece.global.tempo.count, 2);
+    expectDef(piece.global.tempo.defs[1], row.startTime, row.endTime, row.startTempo, row.endTempo,
               row.curveType, row.exponent);
-    expectDef(piece.run.tempo.defs[0], 0, 0, 60, 60, 1, 0);
+    expectDef(piece.global.tempo.defs[0], 0, 0, 60, 60, 1, 0);
     EXPECT_EQ(piece.messages(), "");
   }
 }
@@ -110,12 +112,12 @@ TEST(TempoMap, ChangesOfTempo) {
 TEST(TempoMap, AChangeAtBeatZeroReplacesTheFirst) {
   Piece piece("te(0, 10, 60, 120) te(0, 20, 90, 30, s)");
   EXPECT_EQ(define(piece), kOk);
-  EXPECT_EQ(piece.run.tempo.count, 1);
-  expectDef(piece.run.tempo.defs[0], 0, 20, 90, 30, 4, 1);
+  EXPECT_EQ(piece.global.tempo.count, 1);
+  expectDef(piece.global.tempo.defs[0], 0, 20, 90, 30, 4, 1);
   Piece minus("te(-0, 10, 60, 120)");
   EXPECT_EQ(define(minus), kOk);
-  EXPECT_EQ(minus.run.tempo.count, 1);
-  EXPECT_EQ(minus.run.tempo.defs[0].endTime, 10);
+  EXPECT_EQ(minus.global.tempo.count, 1);
+  EXPECT_EQ(minus.global.tempo.defs[0].endTime, 10);
 }
 
 TEST(TempoMap, Errors) {
@@ -168,8 +170,8 @@ TEST(TempoMap, Errors) {
     }
     EXPECT_EQ(piece.messages(), "");
     if (row.result != kMissingParenthesis) {
-      EXPECT_EQ(piece.run.tempo.count, 1);
-      expectDef(piece.run.tempo.defs[0], 0, 0, 60, 60, 1, 0);
+      EXPECT_EQ(piece.global.tempo.count, 1);
+      expectDef(piece.global.tempo.defs[0], 0, 0, 60, 60, 1, 0);
     }
   }
 }
@@ -179,21 +181,21 @@ TEST(TempoMap, AnUnknownCurveLetterIsLeftWhereItStands) {
   Piece piece("te(5, 20, 60, 90, q)");
   EXPECT_EQ(define(piece), kMissingParenthesis);
   EXPECT_EQ(piece.rest(), "q)");
-  ASSERT_EQ(piece.run.tempo.count, 2);
-  expectDef(piece.run.tempo.defs[1], 5, 20, 60, 90, 0, 1);
+  ASSERT_EQ(piece.global.tempo.count, 2);
+  expectDef(piece.global.tempo.defs[1], 5, 20, 60, 90, 0, 1);
 }
 
 TEST(TempoMap, ADefinitionIsStoredBeforeItsEndIsMissed) {
   for (const char *text : {"te(5, 20, 60, 90", "te(5, 20, 60, 90 7)", "te(5, 20, 60, 90,, )"}) {
     Piece piece(text);
     EXPECT_EQ(define(piece), kMissingParenthesis) << text;
-    EXPECT_EQ(piece.run.tempo.count, 2) << text;
+    EXPECT_EQ(piece.global.tempo.count, 2) << text;
   }
 }
 
 std::string warnings(const char *text, bool silent = false) {
   Piece piece(text);
-  piece.run.options.silent = silent;
+  piece.source.messages->silent = silent;
   EXPECT_EQ(define(piece), kOk);
   std::string said = piece.messages();
   std::string codes;
@@ -252,7 +254,7 @@ std::string conflict(int number) {
 
 TEST(TempoMap, ConflictsAreToldAfterEveryStatement) {
   Piece piece("te(20, 30, 60, 90)\nte(25, 40, 90, 60)\nte(40, 50, 60, 60)\nte(45, 60, 60, 60)\n");
-  piece.run.options.silent = true;  // these are no warnings of the catalogue
+  piece.source.messages->silent = true;  // these are no warnings of the catalogue
   EXPECT_EQ(define(piece), kOk);
   EXPECT_EQ(piece.messages(), conflict(3) + conflict(3) + conflict(3) + conflict(5));
 }
@@ -270,9 +272,9 @@ TEST(TempoMap, HasRoomForFiftyDefinitions) {
   }
   Piece piece(text + "te(0, 0, 90, 90)\nte(100)\nte(50,50,60,60)\n");
   EXPECT_EQ(define(piece), kOutOfMemory);
-  EXPECT_EQ(piece.run.tempo.count, 50);
+  EXPECT_EQ(piece.global.tempo.count, 50);
   EXPECT_EQ(piece.source.lineCounter, 52);
-  EXPECT_EQ(piece.run.tempo.defs[49].startTime, 49);
+  EXPECT_EQ(piece.global.tempo.defs[49].startTime, 49);
 }
 
 TEST(TempoMap, TemposAlongAChange) {
@@ -286,49 +288,49 @@ TEST(TempoMap, TemposAlongAChange) {
       {25, 160}, {29.5F, 160}, {30, 200}, {35, 175},   {40, 100}, {1000, 100},
   };
   for (const auto &row : rows) {
-    EXPECT_EQ(TempoAtBeat(piece.run.tempo, row.beat), row.tempo) << row.beat;
+    EXPECT_EQ(TempoAtBeat(piece.global.tempo, row.beat), row.tempo) << row.beat;
   }
 }
 
 TEST(TempoMap, TheDefaultCurveIsTheSquare) {
   Piece piece("te(0, 10, 60, 120)");
   EXPECT_EQ(define(piece), kOk);
-  EXPECT_EQ(TempoAtBeat(piece.run.tempo, 5), 75);
-  EXPECT_EQ(TempoAtBeat(piece.run.tempo, 10), 120);
+  EXPECT_EQ(TempoAtBeat(piece.global.tempo, 5), 75);
+  EXPECT_EQ(TempoAtBeat(piece.global.tempo, 10), 120);
 }
 
 TEST(TempoMap, ADefinitionOutOfOrderHidesThoseBehindIt) {
   Piece piece("te(20, 20, 120, 120) te(40, 40, 90, 90) te(30, 30, 200, 200)");
   EXPECT_EQ(define(piece), kOk);
-  EXPECT_EQ(TempoAtBeat(piece.run.tempo, 25), 120);
-  EXPECT_EQ(TempoAtBeat(piece.run.tempo, 35),
+  EXPECT_EQ(TempoAtBeat(piece.global.tempo, 25), 120);
+  EXPECT_EQ(TempoAtBeat(piece.global.tempo, 35),
             120);  // the one at 40 starts later, so 30 is not seen
-  EXPECT_EQ(TempoAtBeat(piece.run.tempo, 45), 200);
+  EXPECT_EQ(TempoAtBeat(piece.global.tempo, 45), 200);
 }
 
 TEST(TempoMap, BeatsBecomeSeconds) {
   Piece piece("te(10, 20, 60, 160, f)");
   EXPECT_EQ(define(piece), kOk);
-  EXPECT_EQ(BeatsToSeconds(piece.run, 3), 3);
-  piece.run.tempo.beat = 15;
-  EXPECT_EQ(BeatsToSeconds(piece.run, 1), 60.0F / 110.0F);
-  EXPECT_EQ(piece.run.tempo.current, 110);
-  EXPECT_EQ(BeatsToSeconds(piece.run, -2), 60.0F / 110.0F * -2.0F);
-  EXPECT_EQ(BeatsToSeconds(piece.run, 0), 0);
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, 3), 3);
+  piece.global.tempo.beat = 15;
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, 1), 60.0F / 110.0F);
+  EXPECT_EQ(piece.global.tempo.current, 110);
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, -2), 60.0F / 110.0F * -2.0F);
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, 0), 0);
   // At one point only: a value that spans the change is not integrated.
-  piece.run.tempo.beat = 9;
-  EXPECT_EQ(BeatsToSeconds(piece.run, 100), 100);
-  EXPECT_EQ(piece.run.tempo.current, 60);
+  piece.global.tempo.beat = 9;
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, 100), 100);
+  EXPECT_EQ(piece.global.tempo.current, 60);
   EXPECT_EQ(piece.messages(), "");
 }
 
 TEST(TempoMap, ConversionsAreShownWhenAsked) {
   Piece piece("te(120)");
   EXPECT_EQ(define(piece), kOk);
-  piece.run.options.tempoVerbose = true;
-  piece.run.options.silent = true;
-  piece.run.tempo.beat = 2.5F;
-  EXPECT_EQ(BeatsToSeconds(piece.run, -3), -1.5F);
+  piece.source.messages->tempoVerbose = true;
+  piece.source.messages->silent = true;
+  piece.global.tempo.beat = 2.5F;
+  EXPECT_EQ(BeatsToSeconds(piece.global.tempo, *piece.source.messages, -3), -1.5F);
   EXPECT_EQ(piece.messages(),
             "\n  > Beat    2.50 Tempo =  120.00 Val =   -3.00 (bts)   -1.50 (secs)");
 }
@@ -338,7 +340,7 @@ TEST(TempoMap, Listing) {
       "te(1, 2, 61, 62, f) te(2, 3, 63, 64, e) te(3, 4, 65, 66, l) te(4, 5, 67, 68, v1.25)\n"
       "te(5, 6, 69, 70, s) te(6, 7, 71, 72, c)");
   EXPECT_EQ(define(piece), kOk);
-  ListTempos(piece.run);
+  ListTempos(piece.global.tempo, *piece.source.messages);
   EXPECT_EQ(piece.messages(),
             "\n  Stored Tempos (There are 7 defs):"
             "\n\t1: Stime    0.00, Etime    0.00, Stempo   60.00, Etempo   60.00, Type E"
@@ -353,3 +355,5 @@ TEST(TempoMap, Listing) {
 }
 
 }  // namespace
+
+}  // namespace korvo

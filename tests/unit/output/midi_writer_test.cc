@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "support/capture.h"
 #include "support/events.h"
-#include "support/memory_file.h"
 #include "support/piece.h"
+
+namespace korvo {
 
 namespace {
 
@@ -57,43 +57,32 @@ TEST(MidiWriter, VariableLengthQuantities) {
       {UINT64_MAX, "81FFFFFFFFFFFFFFFF7F"},
   };
   for (const auto &row : rows) {
-    MemoryFile file;
-    auto output = std::make_unique<OutputBuffer>();
-    output->file = file.file();
-    writeVariableLength(*output, row.quantity);
-    closeOutput(*output, true);
-    file.wasClosed();
-    EXPECT_EQ(hex(file.text()), row.bytes) << row.quantity;
-    EXPECT_EQ(variableLength(row.quantity), static_cast<int>(file.text().size())) << row.quantity;
+    Piece piece("");
+    writeVariableLength(piece.output, row.quantity);
+    EXPECT_EQ(hex(piece.written()), row.bytes) << row.quantity;
+    EXPECT_EQ(variableLength(row.quantity), static_cast<int>(piece.written().size()))
+        << row.quantity;
   }
 }
 
 struct Written {
   ErrorCode result;
-  bool something;
   std::string bytes;  // in hex
   std::string messages;
 };
 
-Written write(const std::vector<Event> &events, int parameters = 2) {
+Written write(const std::vector<MadeEvent> &events, int parameters = 2) {
   Piece piece("");
-  RunState &run = piece.run;
-  MemoryFile output;
-  run.output.file = output.file();
-  run.block.header.instrument = 9;
-  beginEvents(run.events, parameters);
-  for (const Event &event : events) {
-    addEvent(run.events, event);
+  EventList &list = piece.making.events;
+  beginEvents(list, parameters);
+  for (const MadeEvent &event : events) {
+    addEvent(list, event);
   }
   Written written{};
   std::uint32_t byteCount = 0;
-  written.result = prepareMidi(run, byteCount, written.something);
-  if (written.something) {
-    MidiWriter(run, byteCount);
-  }
-  closeOutput(run.output, true);
-  output.wasClosed();
-  written.bytes = hex(output.text());
+  written.result = prepareMidi(list, *piece.making.messages, byteCount);
+  MidiWriter(list, piece.output, byteCount);
+  written.bytes = hex(piece.written());
   written.messages = piece.messages();
   return written;
 }
@@ -115,7 +104,6 @@ std::string file(const std::string &end, const std::string &notes) {
 TEST(MidiWriter, OneNote) {
   Written written = write({{0, 1, {32767, 60}}});
   EXPECT_EQ(written.result, kOk);
-  EXPECT_TRUE(written.something);
   EXPECT_EQ(written.bytes,
             "4D546864000000060001000201E0"
             "4D54726B0000001400FF58040402180800FF51030F42408B20FF2F00"
@@ -179,42 +167,21 @@ TEST(MidiWriter, WithoutAmplitudeOrKey) {
   EXPECT_EQ(write({{0, 1, {32767, 62, 5, 6}}}, 4).bytes, file("8B20", "00 903E7F 8360 803E40"));
 }
 
-TEST(MidiWriter, RestsAreLeftOut) {
-  Written written =
-      write({{0, 0, {32767, 1}}, {0, 1, {32767, 60}}, {5, -1, {32767, 2}}, {9, 0, {32767, 3}}});
-  EXPECT_EQ(written.bytes, file("8B20", "00 903C7F 8360 803C40"));
-}
-
-TEST(MidiWriter, NothingToWrite) {
-  Written written = write({});
-  EXPECT_EQ(written.result, kOk);
-  EXPECT_FALSE(written.something);
-  EXPECT_EQ(written.bytes, "");
-  EXPECT_EQ(written.messages, "");
-  written = write({{0, 0, {1, 1}}, {1, -1, {1, 1}}});
-  EXPECT_EQ(written.result, kOk);
-  EXPECT_FALSE(written.something);
-  EXPECT_EQ(written.bytes, "");
-  EXPECT_EQ(written.messages, "\n\nOops i-block 9 is all rests! ");
-}
-
 TEST(MidiWriter, ManyNotesStayInTheOrderOfTime) {
-  std::vector<Event> events;
+  std::vector<MadeEvent> events;
   for (int i = 0; i < 30000; ++i) {
     events.push_back({static_cast<float>(i) / 8.0F,
                       static_cast<float>(i * 7919 % 1000 + 1) / 16.0F,
                       {32767, static_cast<float>(i % 128)}});
   }
   Piece piece("");
-  beginEvents(piece.run.events, 2);
-  for (const Event &event : events) {
-    addEvent(piece.run.events, event);
+  beginEvents(piece.making.events, 2);
+  for (const MadeEvent &event : events) {
+    addEvent(piece.making.events, event);
   }
   std::uint32_t byteCount = 0;
-  bool something = false;
-  Capture listing({2});
-  ASSERT_EQ(prepareMidi(piece.run, byteCount, something), kOk);
-  std::vector<EventRecord *> notes = eventsOf(piece.run.events);
+  ASSERT_EQ(prepareMidi(piece.making.events, *piece.making.messages, byteCount), kOk);
+  std::vector<EventRecord *> notes = eventsOf(piece.making.events);
   ASSERT_EQ(notes.size(), 60000U);
   for (std::size_t i = 1; i < notes.size(); ++i) {
     ASSERT_LE(notes[i - 1]->start, notes[i]->start);
@@ -225,3 +192,5 @@ TEST(MidiWriter, ManyNotesStayInTheOrderOfTime) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -5,7 +5,9 @@
 #include <set>
 #include <string>
 
-#include "support/piece.h"
+#include "global/settings.h"
+
+namespace korvo {
 
 namespace {
 
@@ -39,8 +41,7 @@ TEST(OutputKinds, WidthsAndDecimals) {
 }
 
 double converted(CommandCode code, float value) {
-  Piece piece("");
-  return outputKind(code).convert(piece.run, PfieldFormat{}, value);
+  return outputKind(code).convert(PfieldFormat{}, RunSettings{}.sampleRate, value);
 }
 
 TEST(OutputKinds, PitchesAreInSinglePrecision) {
@@ -85,3 +86,5 @@ TEST(OutputKinds, Names) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -8,6 +8,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -25,8 +27,7 @@ Kept keep(const std::string &text) {
   while ((kept.end = piece.read()) == kOk) {
     kept.lines.push_back(piece.rest());
   }
-  kept.depth = piece.run.conditional.depth;
-  EXPECT_FALSE(piece.source.skipping);
+  kept.depth = piece.source.conditional.depth;
   return kept;
 }
 
@@ -125,7 +126,9 @@ TEST(Conditional, AMalformedValueKeepsASectionBehindOneThatWasKept) {
 
 TEST(Conditional, OneWithoutItsEnd) {
   for (const char *text : {"#if(0)\na\n", "#if(0)\na", "#if(0)", "#if(0)\n", "#if(0)\n; #endif\n",
-                           "#if(0)\n#if(0)\n#endif\n", "#if(0)\n/* #endif\n", "#if(0)\n#endi"}) {
+                           "#if(0)\n#if(0)\n#endif\n", "#if(0)\n/* #endif\n", "#if(0)\n#endi",
+                           // Behind a last "#" nothing is left of the line before.
+                           "#if(0)\n; #endif\n#", "#if(0)\n#if(1)\n;   #endif\n#endif"}) {
     Kept kept = keep(text);
     EXPECT_EQ(kept.end, kEndifMissingAtEnd) << text;
     EXPECT_TRUE(kept.lines.empty()) << text;
@@ -164,8 +167,8 @@ TEST(Conditional, ClosingWantsTheWord) {
   Piece piece("#if(1)\n endi\n");
   EXPECT_EQ(piece.read(2), kOk);
   piece.source.position = 1;
-  EXPECT_EQ(CloseConditional(piece.run, piece.source), kBadEndif);
-  EXPECT_EQ(piece.run.conditional.depth, 1);
+  EXPECT_EQ(CloseConditional(piece.source), kBadEndif);
+  EXPECT_EQ(piece.source.conditional.depth, 1);
 }
 
 // Values of a directive that stands in the line buffer; m is 2, t is ~x, b begins with a blank; x
@@ -185,7 +188,7 @@ Value readIf(const char *text) {
   std::strcpy(piece.source.line, text);
   piece.source.position = 0;
   Value value{kOk, -99.0F, "", ""};
-  value.result = ReadIfValue(piece.run, piece.source, value.value);
+  value.result = ReadIfValue(piece.source, value.value);
   value.rest = piece.rest();
   value.messages = piece.messages();
   return value;
@@ -270,10 +273,12 @@ TEST(Conditional, AStrayOneChangesNothing) {
   Piece piece("x if(1)\n#if(bad)\na\n#endif\nb\n");
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = 2;
-  EXPECT_EQ(MacroStatement(piece.run, piece.source), kOk);
-  EXPECT_EQ(piece.run.conditional.depth, 0);
+  EXPECT_EQ(MacroStatement(piece.source), kOk);
+  EXPECT_EQ(piece.source.conditional.depth, 0);
   EXPECT_EQ(piece.read(2), kOk);
   EXPECT_EQ(piece.line(), "b ");  // the value is still the 0 of the beginning
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -8,6 +8,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 std::string formatted(double value) {
@@ -116,7 +118,7 @@ TEST(Constants, Statements) {
     if (row.rest != nullptr) {
       EXPECT_EQ(piece.rest(), row.rest);
     }
-    const auto *constant = static_cast<const Constant *>(findName(piece.run.constants, "a"));
+    const auto *constant = static_cast<const Constant *>(findName(piece.source.constants, "a"));
     EXPECT_EQ(constant != nullptr, row.result == kOk);
     if (constant != nullptr && row.result == kOk) {
       EXPECT_EQ(constant->value, row.value);
@@ -128,19 +130,19 @@ TEST(Constants, OnlyASmallLetterBeginsAStatement) {
   Piece piece("#Const a 1\n");
   piece.read();
   piece.source.position = 1;
-  EXPECT_EQ(ConstStatement(piece.run, piece.source), kOk);
+  EXPECT_EQ(ConstStatement(piece.source), kOk);
   EXPECT_EQ(piece.source.position, 1);
-  EXPECT_EQ(piece.run.constants.count, 0U);
+  EXPECT_EQ(piece.source.constants.count, 0U);
 }
 
 TEST(Constants, ANameIsDefinedOnce) {
   Piece piece("#const a 1\n#const A 2\n#const ab 3\n#const a 4\n");
   EXPECT_EQ(piece.define(3), kOk);
   EXPECT_EQ(piece.define(), kConstantExists);
-  const auto *constant = static_cast<const Constant *>(findName(piece.run.constants, "a"));
+  const auto *constant = static_cast<const Constant *>(findName(piece.source.constants, "a"));
   ASSERT_NE(constant, nullptr);
   EXPECT_EQ(constant->value, 1);
-  EXPECT_EQ(piece.run.constants.count, 3U);
+  EXPECT_EQ(piece.source.constants.count, 3U);
 }
 
 TEST(Constants, ConstantsAreDefinedFromEarlierOnes) {
@@ -161,10 +163,10 @@ struct Expanded {
 Expanded expand(const std::string &text, bool silent = false) {
   Piece piece("#const x 1.5\n#const x1 -2\n" + text);
   EXPECT_EQ(piece.define(2), kOk);
-  piece.run.lastBlockSeconds = 2.5;
-  piece.run.cumulativeSeconds = 10.0;
-  piece.run.tempo.current = 120.0F;
-  piece.run.options.silent = silent;
+  piece.source.values.lastBlockSeconds = 2.5;
+  piece.source.values.cumulativeSeconds = 10.0;
+  piece.global.tempo.current = 120.0F;
+  piece.source.messages->silent = silent;
   ErrorCode result = piece.read();
   return {result, piece.line(), piece.rest(), piece.messages()};
 }
@@ -262,9 +264,11 @@ TEST(Constants, TheLineMayGrowToItsLimit) {
 TEST(Constants, FreeingEmptiesTheTable) {
   Piece piece("#const a 1\n#const b 2\n");
   EXPECT_EQ(piece.define(2), kOk);
-  freeConstants(piece.run.constants);
-  EXPECT_EQ(piece.run.constants.count, 0U);
-  EXPECT_EQ(findName(piece.run.constants, "a"), nullptr);
+  freeConstants(piece.source.constants);
+  EXPECT_EQ(piece.source.constants.count, 0U);
+  EXPECT_EQ(findName(piece.source.constants, "a"), nullptr);
 }
 
 }  // namespace
+
+}  // namespace korvo

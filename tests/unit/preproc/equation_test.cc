@@ -9,6 +9,8 @@
 #include "support/piece.h"
 #include "support/scripted_draws.h"
 
+namespace korvo {
+
 namespace {
 
 struct Evaluated {
@@ -16,21 +18,25 @@ struct Evaluated {
   double value;
   std::string rest;
   std::string messages;
+  std::uint32_t draws;
 };
 
 // With half = 0.5 and minus = -3, @1 = 2.5, @2 = 10.
-Evaluated evaluate(const std::string &text, bool silent = false) {
+Evaluated evaluate(const std::string &text, bool silent = false,
+                   std::initializer_list<std::uint32_t> draws = {}) {
   Piece piece("#const half 0.5\n#const minus -3\n");
   EXPECT_EQ(piece.define(2), kOk);
   std::memcpy(piece.source.line, text.c_str(), text.size() + 1);
   piece.source.position = 0;
-  piece.run.lastBlockSeconds = 2.5;
-  piece.run.cumulativeSeconds = 10.0;
-  piece.run.options.silent = silent;
-  Evaluated evaluated{kOk, -99.0, "", ""};
-  evaluated.result = EvaluateEquation(piece.run, piece.source, evaluated.value);
+  piece.source.values.lastBlockSeconds = 2.5;
+  piece.source.values.cumulativeSeconds = 10.0;
+  piece.source.messages->silent = silent;
+  script(piece.random, draws);
+  Evaluated evaluated{kOk, -99.0, "", "", 0};
+  evaluated.result = EvaluateEquation(piece.source, evaluated.value);
   evaluated.rest = piece.rest();
   evaluated.messages = piece.messages();
+  evaluated.draws = piece.random.next;
   return evaluated;
 }
 
@@ -172,20 +178,23 @@ TEST(Equation, HasRoomForThirtyValues) {
 }
 
 TEST(Equation, TheRandomTerm) {
-  ScriptedDraws draws{100, 32766, 32767, 2147483647};
-  Evaluated evaluated = evaluate("[?]");
+  Evaluated evaluated = evaluate("[?]", false, {100});
   EXPECT_EQ(evaluated.result, kOk);
   EXPECT_EQ(evaluated.value, static_cast<double>(100.0F / 32767.0F));
+  EXPECT_EQ(evaluated.draws, 1U);
   EXPECT_EQ(evaluated.messages, "\n\tLine 2: '?' evaluated at =    0.00");
-  evaluated = evaluate("[? + ?]");
+  evaluated = evaluate("[? + ?]", false, {32766, 32767});
+  EXPECT_EQ(evaluated.draws, 2U);
   EXPECT_EQ(evaluated.value, static_cast<double>(32766.0F / 32767.0F));  // 32767 counts as 0
   EXPECT_EQ(evaluated.messages,
             "\n\tLine 2: '?' evaluated at =    1.00"
             "\n\tLine 2: '?' evaluated at =    0.00");
-  evaluated = evaluate("[2 * ?]", true);
+  evaluated = evaluate("[2 * ?]", true, {2147483647});
   EXPECT_EQ(evaluated.value, 2.0 * static_cast<double>(1.0F / 32767.0F));  // 2147483647 % 32767 = 1
   EXPECT_EQ(evaluated.messages, "");
-  EXPECT_EQ(draws.taken(), 4U);
+  EXPECT_EQ(evaluated.draws, 1U);
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+namespace korvo {
+
 namespace {
 
 struct Edited {
@@ -90,3 +92,5 @@ TEST(LineEdit, ALineMayGrowToItsLimitButNoFurther) {
 }
 
 }  // namespace
+
+}  // namespace korvo

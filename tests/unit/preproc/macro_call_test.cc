@@ -6,6 +6,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 constexpr const char *kMacros =
@@ -31,7 +33,7 @@ Called call(const std::string &text, const std::string &definitions = "", int li
             bool silent = false) {
   Piece piece(kMacros + definitions + "." + text);
   EXPECT_EQ(piece.define(kMacroLines + lines), kOk);
-  piece.run.options.silent = silent;
+  piece.source.messages->silent = silent;
   ErrorCode result = piece.read();
   return {result, piece.line().substr(1), piece.rest(), piece.messages()};
 }
@@ -246,7 +248,7 @@ TEST(MacroCall, TheCountBeginsAnewWithEveryLine) {
   }
   Piece piece(text);
   EXPECT_EQ(piece.define(2), kOk);
-  piece.run.options.silent = true;
+  piece.source.messages->silent = true;
   EXPECT_EQ(piece.read(20), kOk);
 }
 
@@ -267,3 +269,5 @@ TEST(MacroCall, CallsNest64Deep) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+namespace korvo {
+
 namespace {
 
 // Records whose names live as long as they do; a deque does not move them.
@@ -129,3 +131,5 @@ TEST(NameTable, CanBeUsedAgainAfterFreeing) {
 }
 
 }  // namespace
+
+}  // namespace korvo

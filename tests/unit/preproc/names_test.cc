@@ -6,6 +6,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 TEST(PreprocNames, ANameIsALetterAndWhatMayFollow) {
@@ -43,15 +45,17 @@ TEST(PreprocNames, KeywordsMatchWhenOneCharacterDoes) {
 TEST(PreprocNames, AnUnknownNameIsToldWithItsLine) {
   Piece piece("a\nb\n");
   piece.read(2);
-  EXPECT_EQ(unknownName(piece.run, piece.source, "macro", "it"), kContextOnly);
+  EXPECT_EQ(unknownName(piece.source, "macro", "it"), kContextOnly);
   EXPECT_EQ(piece.messages(), "\n\nERROR: Line 2: There is no macro \"it\" in your input file!\n");
-  EXPECT_EQ(unknownName(piece.run, piece.source, "constant", ""), kContextOnly);
+  EXPECT_EQ(unknownName(piece.source, "constant", ""), kContextOnly);
   EXPECT_EQ(piece.messages(), "\n\nERROR: Line 2: There is no constant \"\" in your input file!\n");
-  piece.run.options.silent = true;
+  piece.source.messages->silent = true;
   std::string longest(4095, 'n');
-  EXPECT_EQ(unknownName(piece.run, piece.source, "macro", longest), kContextOnly);
+  EXPECT_EQ(unknownName(piece.source, "macro", longest), kContextOnly);
   EXPECT_EQ(piece.messages(),
             "\n\nERROR: Line 2: There is no macro \"" + longest + "\" in your input file!\n");
 }
 
 }  // namespace
+
+}  // namespace korvo

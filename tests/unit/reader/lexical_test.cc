@@ -6,6 +6,8 @@
 
 #include "support/piece.h"
 
+namespace korvo {
+
 namespace {
 
 TEST(Lexical, NextCharStepsOverWhatItGives) {
@@ -17,35 +19,19 @@ TEST(Lexical, NextCharStepsOverWhatItGives) {
   EXPECT_EQ(piece.source.position, 3);
 }
 
-TEST(Lexical, BlanksInLineStopAtTheEnd) {
-  struct {
-    const char *text;
-    std::int32_t from;
-    std::int32_t to;
-  } rows[] = {
-      {"", 0, 0},    {"   ", 0, 3}, {"  x", 0, 2},
-      {"x  ", 0, 0}, {"x  ", 1, 3}, {" \t\n\v\f\rx", 0, 6},
-  };
-  for (const auto &row : rows) {
-    std::int32_t position = row.from;
-    skipBlanksInLine(row.text, position);
-    EXPECT_EQ(position, row.to) << row.text;
-  }
-}
-
 // What a skipping step comes to when the first line of `text` has been read.
 struct Skipped {
   ErrorCode result;
   std::string rest;
   std::int64_t line;
 };
-using Step = ErrorCode (*)(RunState &, SourceReader &);
+using Step = ErrorCode (*)(SourceReader &);
 
 Skipped skip(Step step, const char *text, std::int32_t position = 0) {
   Piece piece(text);
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = position;
-  ErrorCode result = step(piece.run, piece.source);
+  ErrorCode result = step(piece.source);
   return {result, piece.rest(), piece.source.lineCounter};
 }
 
@@ -88,9 +74,9 @@ TEST(Lexical, SkipBlanksAtTheEndOfTheInputComesBack) {
   Piece piece("x");
   piece.read();
   piece.source.position = 1;
-  EXPECT_EQ(skip_blanks(piece.run, piece.source), kEndOfInput);
+  EXPECT_EQ(skip_blanks(piece.source), kEndOfInput);
   EXPECT_EQ(piece.rest(), "");
-  EXPECT_EQ(skip_blanks(piece.run, piece.source), kEndOfInput);
+  EXPECT_EQ(skip_blanks(piece.source), kEndOfInput);
 }
 
 TEST(Lexical, WhereACommentBegins) {
@@ -116,15 +102,9 @@ TEST(Lexical, WhereACommentBegins) {
   }
 }
 
-ErrorCode skipLineComment(RunState &run, SourceReader &source) {
-  return skip_comment(run, source, kSemicolonComment);
-}
-ErrorCode skipNesting(RunState &run, SourceReader &source) {
-  return skip_comment(run, source, kNestingComment);
-}
-ErrorCode skipClosed(RunState &run, SourceReader &source) {
-  return skipClosedComment(run, source, kNestingComment);
-}
+ErrorCode skipLineComment(SourceReader &source) { return skip_comment(source, kSemicolonComment); }
+ErrorCode skipNesting(SourceReader &source) { return skip_comment(source, kNestingComment); }
+ErrorCode skipClosed(SourceReader &source) { return skipClosedComment(source, kNestingComment); }
 
 TEST(Lexical, ASemicolonCommentEndsWithTheLine) {
   const SkipRow kRows[] = {
@@ -230,3 +210,5 @@ TEST(Lexical, SkipSeparator) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -1,14 +1,14 @@
 #include "reader/line_reader.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
 #include "preproc/conditional.h"
-#include "support/memory_file.h"
 #include "support/piece.h"
+
+namespace korvo {
 
 namespace {
 
@@ -233,7 +233,7 @@ TEST(LineReader, ExpansionsAreTold) {
 TEST(LineReader, SilentExpansionsAreNotTold) {
   Piece piece(std::string(kNames) + "a $m ~x\n");
   ASSERT_EQ(piece.define(kNameLines), kOk);
-  piece.run.options.silent = true;
+  piece.source.messages->silent = true;
   EXPECT_EQ(piece.read(), kOk);
   EXPECT_EQ(piece.line(), "a M 1.500 ");
   EXPECT_EQ(piece.messages(), "");
@@ -242,12 +242,12 @@ TEST(LineReader, SilentExpansionsAreNotTold) {
 TEST(LineReader, ConditionalDirectivesOpenTheirLine) {
   Piece piece("  #if(1) tail\nx\n\t#endif tail\n");
   EXPECT_EQ(piece.read(), kOk);
-  EXPECT_EQ(piece.run.conditional.depth, 1);
+  EXPECT_EQ(piece.source.conditional.depth, 1);
   EXPECT_EQ(piece.rest(), " tail ");
   EXPECT_EQ(piece.read(), kOk);
   EXPECT_EQ(piece.line(), "x ");
   EXPECT_EQ(piece.read(), kOk);
-  EXPECT_EQ(piece.run.conditional.depth, 0);
+  EXPECT_EQ(piece.source.conditional.depth, 0);
   EXPECT_EQ(piece.rest(), " tail ");
 }
 
@@ -256,7 +256,7 @@ TEST(LineReader, WhatIsNoConditionalDirective) {
                            "# endif", "#ENDIF", "#endi", "x #endif", "; #if(1)"}) {
     Piece piece(text);
     EXPECT_EQ(piece.read(), kOk) << text;
-    EXPECT_EQ(piece.run.conditional.depth, 0) << text;
+    EXPECT_EQ(piece.source.conditional.depth, 0) << text;
     EXPECT_EQ(piece.line(), text);
     EXPECT_EQ(piece.source.position, 0) << text;
   }
@@ -265,7 +265,7 @@ TEST(LineReader, WhatIsNoConditionalDirective) {
 TEST(LineReader, DirectivesAreFoundInCommentsToo) {
   Piece piece("/*\n#if(1)\n#endif\n#endif\n");
   EXPECT_EQ(piece.read(2), kOk);
-  EXPECT_EQ(piece.run.conditional.depth, 1);
+  EXPECT_EQ(piece.source.conditional.depth, 1);
   EXPECT_EQ(piece.read(), kOk);
   EXPECT_EQ(piece.read(), kStrayEndif);
 }
@@ -280,22 +280,10 @@ TEST(LineReader, TheDirectiveMayBeGluedToText) {
   Piece piece("#if(1)\n#endifabc\n");
   EXPECT_EQ(piece.read(2), kOk);
   EXPECT_EQ(piece.rest(), "abc ");
-  EXPECT_EQ(piece.run.conditional.depth, 0);
+  EXPECT_EQ(piece.source.conditional.depth, 0);
 }
 
-TEST(LineReader, LinesBeingSkippedComeAsTheyAre) {
-  Piece piece("#if(1) $m ~x\r\n#endif\n$nobody\n");
-  piece.source.skipping = true;
-  for (const char *line : {"#if(1) $m ~x  ", "#endif ", "$nobody "}) {
-    EXPECT_EQ(piece.read(), kOk);
-    EXPECT_EQ(piece.line(), line);
-    EXPECT_EQ(piece.source.position, 0);
-  }
-  EXPECT_EQ(piece.run.conditional.depth, 0);
-  EXPECT_EQ(piece.messages(), "");
-}
-
-TEST(LineReader, TheExpansionFileGetsEveryLineThatParsersSee) {
+TEST(LineReader, TheListenerGetsEveryLineThatParsersSee) {
   Piece piece(std::string(kNames) +
               "a $m ~x\n"
               "\n"
@@ -306,14 +294,11 @@ TEST(LineReader, TheExpansionFileGetsEveryLineThatParsersSee) {
               "dropped\n"
               "#endif\n"
               "$e");
-  MemoryFile expansion;
   ASSERT_EQ(piece.define(kNameLines), kOk);
-  piece.run.expansion.file = expansion.file();
+  piece.keepExpanded();
   while (piece.read() == kOk) {
   }
-  closeOutput(piece.run.expansion, true);
-  expansion.wasClosed();
-  EXPECT_EQ(expansion.text(),
+  EXPECT_EQ(piece.expanded(),
             "a M 1.500 \n"
             " \n"
             "kept ; $m \n"
@@ -322,43 +307,36 @@ TEST(LineReader, TheExpansionFileGetsEveryLineThatParsersSee) {
 
 TEST(LineReader, ALineWithAnErrorIsNotEchoed) {
   Piece piece("good\nbad $nobody\n");
-  MemoryFile expansion;
-  piece.run.expansion.file = expansion.file();
+  piece.keepExpanded();
   EXPECT_EQ(piece.read(2), kContextOnly);
-  closeOutput(piece.run.expansion, true);
-  expansion.wasClosed();
-  EXPECT_EQ(expansion.text(), "good \n");
-}
-
-// A folder can be opened, but reading it fails.
-void readFromAFolder(Piece &piece) {
-  std::fclose(piece.source.input);
-  piece.source.input = fdopen(open("/", O_RDONLY), "r");
+  EXPECT_EQ(piece.expanded(), "good \n");
 }
 
 TEST(LineReader, AFailureToReadIsNotTheEnd) {
   Piece piece("");
-  readFromAFolder(piece);
+  piece.text.fails = true;
   EXPECT_EQ(piece.read(), kTemporaryFileLost);
   EXPECT_EQ(piece.read(), kTemporaryFileLost);
 }
 
 TEST(LineReader, AFailureToReadEndsADroppedSection) {
-  Piece piece("#if(0)\n");
+  Piece piece("");
   char text[] = "#if(0)\n";
   std::memcpy(piece.source.line, text, sizeof text);
   piece.source.position = 1;
-  readFromAFolder(piece);
-  EXPECT_EQ(OpenConditional(piece.run, piece.source), kTemporaryFileLost);
+  piece.text.fails = true;
+  EXPECT_EQ(OpenConditional(piece.source), kTemporaryFileLost);
 }
 
 TEST(LineReader, NothingIsReadBehindTheLastMessage) {
   Piece piece("a\nb\n");
-  piece.run.screen.printed = kMaxMessagesInRun;
+  piece.source.messages->printed = kMaxMessagesInRun;
   EXPECT_EQ(piece.read(), kOk);
-  ++piece.run.screen.printed;
+  ++piece.source.messages->printed;
   EXPECT_EQ(piece.read(), kOutOfMemory);
   EXPECT_EQ(piece.line(), "a ");
 }
 
 }  // namespace
+
+}  // namespace korvo

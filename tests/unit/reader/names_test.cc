@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace korvo {
+
 namespace {
 
 // The groups of the cascade in their order, and the code of every name.
@@ -262,3 +264,5 @@ TEST(BlockNames, AtTheEndOfALine) {
 }
 
 }  // namespace
+
+}  // namespace korvo

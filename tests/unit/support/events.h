@@ -6,14 +6,16 @@
 
 #include "ddf/event_list.h"
 
-struct Event {
+namespace korvo {
+
+struct MadeEvent {
   float start = 0.0F;
   float duration = 1.0F;
   std::vector<float> values;
 };
 
 // Appends one event; `list` has been begun.
-inline std::uint32_t addEvent(EventList &list, const Event &event) {
+inline std::uint32_t addEvent(EventList &list, const MadeEvent &event) {
   std::uint32_t made = makeEvent(list);
   EventRecord &record = eventAt(list, made);
   record.start = event.start;
@@ -28,10 +30,8 @@ inline std::uint32_t addEvent(EventList &list, const Event &event) {
 // The events in their order.
 inline std::vector<EventRecord *> eventsOf(const EventList &list) {
   std::vector<EventRecord *> events;
-  std::uint32_t event = firstEvent(list);
-  for (std::uint32_t left = list.count; left > 0; --left) {
-    events.push_back(&eventAt(list, event));
-    event = events.back()->next;
-  }
+  forEachEvent(list, [&events](EventRecord &event) { events.push_back(&event); });
   return events;
 }
+
+}  // namespace korvo

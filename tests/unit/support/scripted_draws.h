@@ -1,24 +1,32 @@
-// Random draws that a test writes down beforehand. While a script is alive, std::rand gives its
-// numbers one after another; without one it is the library's own.
+// Random draws that a test writes down beforehand.
 #pragma once
 
-#include <cstddef>
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <initializer_list>
 
-class ScriptedDraws {
- public:
-  ScriptedDraws(std::initializer_list<int> draws);
-  ScriptedDraws(const ScriptedDraws &) = delete;
-  ScriptedDraws &operator=(const ScriptedDraws &) = delete;
-  ~ScriptedDraws();
+#include "base/random.h"
 
-  // How many draws have been taken, those beyond the end of the script included (they are 0).
-  std::size_t taken() const;
-};
+namespace korvo {
+
+// The next draws are these, and those behind them, up to the 31st, are 0; without any, all are.
+// `random.next` then counts the draws that have been taken.
+inline void script(Random &random, std::initializer_list<std::uint32_t> draws = {}) {
+  if (draws.size() > Random::kBehind) {
+    std::abort();
+  }
+  std::fill(std::begin(random.numbers), std::end(random.numbers), 0U);
+  std::transform(draws.begin(), draws.end(), random.numbers,
+                 [](std::uint32_t drawn) { return drawn << 1; });
+  random.next = 0;
+}
 
 // Draws that come out as 0, 1/4, 1/2, 3/4 and 1.
-inline constexpr int kDrawZero = 0;
-inline constexpr int kDrawQuarter = 536870912;
-inline constexpr int kDrawHalf = 1073741824;
-inline constexpr int kDrawThreeQuarters = 1610612736;
-inline constexpr int kDrawOne = 2147483647;
+inline constexpr std::uint32_t kDrawZero = 0;
+inline constexpr std::uint32_t kDrawQuarter = 536870912;
+inline constexpr std::uint32_t kDrawHalf = 1073741824;
+inline constexpr std::uint32_t kDrawThreeQuarters = 1610612736;
+inline constexpr std::uint32_t kDrawOne = 2147483647;
+
+}  // namespace korvo

@@ -4,8 +4,9 @@
 
 #include <string>
 
-#include "support/memory_file.h"
 #include "support/piece.h"
+
+namespace korvo {
 
 namespace {
 
@@ -21,7 +22,7 @@ void check(const Row (&rows)[kCount]) {
   for (const Row &row : rows) {
     SCOPED_TRACE("\"" + std::string(row.text) + "\"");
     Piece piece(row.text);
-    EXPECT_EQ(scan_to_next_iblock(piece.run, piece.source), row.result);
+    EXPECT_EQ(scan_to_next_iblock(piece.source, piece.global), row.result);
     if (row.rest != nullptr) {
       EXPECT_EQ(piece.rest(), row.rest);
     }
@@ -125,15 +126,15 @@ TEST(Scanner, NeverLooksAtTheRestOfTheLastLine) {
   Piece piece("first } i5\n i6\n");
   piece.read();
   piece.source.position = 7;
-  EXPECT_EQ(scan_to_next_iblock(piece.run, piece.source), kOk);
+  EXPECT_EQ(scan_to_next_iblock(piece.source, piece.global), kOk);
   EXPECT_EQ(piece.rest(), "i6 ");
   EXPECT_EQ(piece.source.lineCounter, 2);
 }
 
 TEST(Scanner, ListsTheTemposBeforeEveryBlockWhenAsked) {
   Piece piece("te(120)\n i\n");
-  piece.run.options.tempoVerbose = true;
-  EXPECT_EQ(scan_to_next_iblock(piece.run, piece.source), kOk);
+  piece.source.messages->tempoVerbose = true;
+  EXPECT_EQ(scan_to_next_iblock(piece.source, piece.global), kOk);
   EXPECT_EQ(piece.messages(),
             "\n  Stored Tempos (There are 1 defs):"
             "\n\t1: Stime    0.00, Etime 1000.00, Stempo  120.00, Etempo  120.00, Type F\n");
@@ -141,9 +142,11 @@ TEST(Scanner, ListsTheTemposBeforeEveryBlockWhenAsked) {
 
 TEST(Scanner, ListsNothingWithoutABlock) {
   Piece piece("te(120)\n");
-  piece.run.options.tempoVerbose = true;
-  EXPECT_EQ(scan_to_next_iblock(piece.run, piece.source), kEndOfInput);
+  piece.source.messages->tempoVerbose = true;
+  EXPECT_EQ(scan_to_next_iblock(piece.source, piece.global), kEndOfInput);
   EXPECT_EQ(piece.messages(), "");
 }
 
 }  // namespace
+
+}  // namespace korvo

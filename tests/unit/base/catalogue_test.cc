@@ -1,9 +1,11 @@
-#include "korvo/korvo.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
 #include <string>
+
+#include "korvo/korvo.h"
+
+namespace korvo {
 
 namespace {
 
@@ -187,3 +189,5 @@ TEST(Catalogue, HasItsTextForEveryWarning) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -11,6 +11,8 @@
 #include <random>
 #include <string>
 
+namespace korvo {
+
 namespace {
 
 std::string fixed(double value, int width, int decimals) {
@@ -193,3 +195,5 @@ TEST(NumberFormat, IntegersAsPrintfWritesThem) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -1,16 +1,17 @@
-#include "preproc/macros.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "preproc/macros.h"
 #include "support/piece.h"
+
+namespace korvo {
 
 namespace {
 
 const Macro *find(const Piece &piece, std::string_view name) {
-  return static_cast<const Macro *>(findName(piece.run.macros, name));
+  return static_cast<const Macro *>(findName(piece.source.macros, name));
 }
 
 std::vector<std::string> paramsOf(const Macro &macro) {
@@ -64,7 +65,7 @@ TEST(Macros, Definitions) {
     ASSERT_NE(macro, nullptr);
     EXPECT_EQ(paramsOf(*macro), row.params);
     EXPECT_EQ(macro->body, row.body);
-    EXPECT_EQ(piece.run.macros.count, 1U);
+    EXPECT_EQ(piece.source.macros.count, 1U);
   }
 }
 
@@ -108,7 +109,7 @@ TEST(Macros, DefinitionsThatFail) {
     if (row.rest != nullptr) {
       EXPECT_EQ(piece.rest(), row.rest);
     }
-    EXPECT_EQ(piece.run.macros.count, 0U);
+    EXPECT_EQ(piece.source.macros.count, 0U);
   }
 }
 
@@ -118,7 +119,7 @@ TEST(Macros, ANameIsDefinedOnce) {
   EXPECT_EQ(piece.define(), kMacroExists);
   EXPECT_EQ(find(piece, "x")->body, "1");
   EXPECT_EQ(find(piece, "X")->body, "2");
-  EXPECT_EQ(piece.run.macros.count, 3U);
+  EXPECT_EQ(piece.source.macros.count, 3U);
 }
 
 // A body of `length` characters: 2 from the rest of its first line, then lines of 100.
@@ -138,11 +139,11 @@ TEST(Macros, ABodyHas4095CharactersAtMost) {
   Piece tooLong(definitionOf(4096));
   EXPECT_EQ(tooLong.read(), kOk);
   tooLong.source.position = 1;
-  EXPECT_EQ(MacroStatement(tooLong.run, tooLong.source), kContextOnly);
+  EXPECT_EQ(MacroStatement(tooLong.source), kContextOnly);
   EXPECT_EQ(tooLong.messages(),
             "\n\nERROR: Line 42: The macro body has exceeded the maximum number\nof characters "
             "allowed (4096).\n");
-  EXPECT_EQ(tooLong.run.macros.count, 0U);
+  EXPECT_EQ(tooLong.source.macros.count, 0U);
 }
 
 std::string withParams(int count) {
@@ -161,7 +162,7 @@ TEST(Macros, HaveUpTo128Parameters) {
   EXPECT_EQ(find(fits, "f")->body, "$p1");
   Piece tooMany(withParams(129));
   EXPECT_EQ(tooMany.define(), kOutOfMemory);
-  EXPECT_EQ(tooMany.run.macros.count, 0U);
+  EXPECT_EQ(tooMany.source.macros.count, 0U);
 }
 
 TEST(Macros, AreForgotten) {
@@ -203,7 +204,7 @@ TEST(Macros, ForgettingAnUnknownOneIsTold) {
   EXPECT_EQ(piece.define(), kOk);
   EXPECT_EQ(piece.read(), kOk);
   piece.source.position = 1;
-  EXPECT_EQ(MacroStatement(piece.run, piece.source), kContextOnly);
+  EXPECT_EQ(MacroStatement(piece.source), kContextOnly);
   EXPECT_EQ(piece.messages(), "\n\nERROR: Line 2: There is no macro \"y\" in your input file!\n");
 }
 
@@ -234,8 +235,8 @@ TEST(Macros, StrayConditionalsAreReadAndDropped) {
   for (const auto &row : rows) {
     Piece piece(row.text);
     EXPECT_EQ(piece.read(), kOk);
-    EXPECT_EQ(MacroStatement(piece.run, piece.source), row.result) << row.text;
-    EXPECT_EQ(piece.run.conditional.depth, 0) << row.text;
+    EXPECT_EQ(MacroStatement(piece.source), row.result) << row.text;
+    EXPECT_EQ(piece.source.conditional.depth, 0) << row.text;
     if (row.rest != nullptr) {
       EXPECT_EQ(piece.rest(), row.rest) << row.text;
     }
@@ -245,9 +246,11 @@ TEST(Macros, StrayConditionalsAreReadAndDropped) {
 TEST(Macros, FreeingEmptiesTheTable) {
   Piece piece("#define m #1#\n#define n(a, b) #2#\n");
   EXPECT_EQ(piece.define(2), kOk);
-  freeMacros(piece.run.macros);
-  EXPECT_EQ(piece.run.macros.count, 0U);
+  freeMacros(piece.source.macros);
+  EXPECT_EQ(piece.source.macros.count, 0U);
   EXPECT_EQ(find(piece, "m"), nullptr);
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -8,6 +8,8 @@
 #include <limits>
 #include <random>
 
+namespace korvo {
+
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -255,3 +257,5 @@ TEST(Arithmetic, RealsBecomeUnsignedIntegers) {
 }
 
 }  // namespace
+
+}  // namespace korvo

@@ -7,6 +7,8 @@
 #include <limits>
 #include <string>
 
+namespace korvo {
+
 namespace {
 
 constexpr int kAnywhere = -1;  // the position does not matter
@@ -286,3 +288,5 @@ TEST(Numbers, ARealThatIsNotFiniteIsUnreadable) {
 }
 
 }  // namespace
+
+}  // namespace korvo

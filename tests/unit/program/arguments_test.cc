@@ -1,4 +1,4 @@
-#include "program/options.h"
+#include "program/arguments.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 struct Parsed {
   bool ok;
-  Options options;
+  Arguments taken;
   std::string output;
   std::string error;
 };
@@ -25,7 +25,7 @@ Parsed parse(std::vector<const char *> arguments) {
   Capture output({1});
   Parsed parsed{};
   parsed.ok =
-      parseOptions(static_cast<int>(arguments.size()) - 1, arguments.data(), parsed.options);
+      parseArguments(static_cast<int>(arguments.size()) - 1, arguments.data(), parsed.taken);
   parsed.output = output.text();
   parsed.error = error.text();
   return parsed;
@@ -44,7 +44,7 @@ std::string usage() {
 
 std::string shown(const char *text) { return text == nullptr ? "(none)" : text; }
 
-TEST(Options, TheNameLineSaysTheVersion) {
+TEST(Arguments, TheNameLineSaysTheVersion) {
   EXPECT_EQ(std::string(kNameLine).substr(0, 15), "\nKorvo (2.1.3, ");
   // Three credit lines, the last followed by an empty line.
   std::string credits = kCreditLines;
@@ -52,21 +52,21 @@ TEST(Options, TheNameLineSaysTheVersion) {
   EXPECT_EQ(credits.substr(credits.size() - 2), "\n\n");
 }
 
-TEST(Options, TwoNamesAreEnough) {
+TEST(Arguments, TwoNamesAreEnough) {
   Parsed parsed = parse({"in", "out"});
   EXPECT_TRUE(parsed.ok);
-  EXPECT_STREQ(parsed.options.inputName, "in");
-  EXPECT_STREQ(parsed.options.outputName, "out");
-  EXPECT_EQ(parsed.options.logName, nullptr);
-  EXPECT_EQ(parsed.options.expansionName, nullptr);
-  EXPECT_FALSE(parsed.options.midi);
-  EXPECT_FALSE(parsed.options.silent);
-  EXPECT_FALSE(parsed.options.tempoVerbose);
+  EXPECT_STREQ(parsed.taken.inputName, "in");
+  EXPECT_STREQ(parsed.taken.outputName, "out");
+  EXPECT_EQ(parsed.taken.logName, nullptr);
+  EXPECT_EQ(parsed.taken.expansionName, nullptr);
+  EXPECT_FALSE(parsed.taken.midi);
+  EXPECT_FALSE(parsed.taken.silent);
+  EXPECT_FALSE(parsed.taken.tempoVerbose);
   EXPECT_EQ(parsed.output, "");
   EXPECT_EQ(parsed.error, "");
 }
 
-TEST(Options, AreTaken) {
+TEST(Arguments, AreTaken) {
   struct {
     std::vector<const char *> arguments;
     bool midi;
@@ -97,18 +97,18 @@ TEST(Options, AreTaken) {
     Parsed parsed = parse(row.arguments);
     SCOPED_TRACE(row.arguments[0]);
     EXPECT_TRUE(parsed.ok);
-    EXPECT_EQ(parsed.options.midi, row.midi);
-    EXPECT_EQ(parsed.options.silent, row.silent);
-    EXPECT_EQ(parsed.options.tempoVerbose, row.tempo);
-    EXPECT_EQ(shown(parsed.options.logName), shown(row.log));
-    EXPECT_EQ(shown(parsed.options.expansionName), shown(row.expansion));
-    EXPECT_EQ(shown(parsed.options.inputName), "in");
-    EXPECT_EQ(shown(parsed.options.outputName), "out");
+    EXPECT_EQ(parsed.taken.midi, row.midi);
+    EXPECT_EQ(parsed.taken.silent, row.silent);
+    EXPECT_EQ(parsed.taken.tempoVerbose, row.tempo);
+    EXPECT_EQ(shown(parsed.taken.logName), shown(row.log));
+    EXPECT_EQ(shown(parsed.taken.expansionName), shown(row.expansion));
+    EXPECT_EQ(shown(parsed.taken.inputName), "in");
+    EXPECT_EQ(shown(parsed.taken.outputName), "out");
     EXPECT_EQ(parsed.output + parsed.error, "");
   }
 }
 
-TEST(Options, TheUsageTextAnswersEverythingElse) {
+TEST(Arguments, TheUsageTextAnswersEverythingElse) {
   std::vector<std::vector<const char *>> rows = {
       {},
       {"in"},
@@ -141,7 +141,7 @@ TEST(Options, TheUsageTextAnswersEverythingElse) {
   }
 }
 
-TEST(Options, AMissingNameIsToldOnStandardOutput) {
+TEST(Arguments, AMissingNameIsToldOnStandardOutput) {
   struct {
     std::vector<const char *> arguments;
     const char *output;
@@ -163,7 +163,7 @@ TEST(Options, AMissingNameIsToldOnStandardOutput) {
   }
 }
 
-TEST(Options, NoFileNameMayBeUsedTwice) {
+TEST(Arguments, NoFileNameMayBeUsedTwice) {
   struct {
     const char *input;
     const char *output;
@@ -181,12 +181,12 @@ TEST(Options, NoFileNameMayBeUsedTwice) {
       {"a", "./a", "a ", "/a", true},
   };
   for (const auto &row : rows) {
-    Options options;
-    options.inputName = row.input;
-    options.outputName = row.output;
-    options.logName = row.log;
-    options.expansionName = row.expansion;
-    EXPECT_EQ(namesAreUnique(options), row.unique)
+    Arguments names;
+    names.inputName = row.input;
+    names.outputName = row.output;
+    names.logName = row.log;
+    names.expansionName = row.expansion;
+    EXPECT_EQ(namesAreUnique(names), row.unique)
         << row.input << " " << row.output << " " << shown(row.log) << " " << shown(row.expansion);
   }
 }
