@@ -49,6 +49,11 @@ class Hardening(unittest.TestCase):
                   "mktemp", "system", "popen", "execl", "execv", "execve", "execvp", "getenv", "dlopen", "socket"}
         self.assertEqual(symbols & unsafe, set())
 
+    def test_draws_are_its_own(self):
+        symbols = set(re.findall(r"\b(\w+)@", readelf("--dyn-syms")))
+        self.assertIn("malloc", symbols)
+        self.assertEqual(symbols & {"rand", "srand", "rand_r", "random", "srandom", "drand48", "lrand48"}, set())
+
     def test_no_search_path_for_libraries(self):
         self.assertNotRegex(readelf("--dynamic"), r"\((RPATH|RUNPATH)\)")
 

@@ -1,3 +1,5 @@
+#include "global/macro_statements.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -20,7 +22,7 @@ std::vector<std::string> paramsOf(const Macro &macro) {
 
 using Params = std::vector<std::string>;
 
-TEST(Macros, Definitions) {
+TEST(MacroStatements, Definitions) {
   struct {
     const char *text;
     const char *name;
@@ -69,7 +71,7 @@ TEST(Macros, Definitions) {
   }
 }
 
-TEST(Macros, DefinitionsThatFail) {
+TEST(MacroStatements, DefinitionsThatFail) {
   struct {
     const char *text;
     ErrorCode result;
@@ -113,7 +115,7 @@ TEST(Macros, DefinitionsThatFail) {
   }
 }
 
-TEST(Macros, ANameIsDefinedOnce) {
+TEST(MacroStatements, ANameIsDefinedOnce) {
   Piece piece("#define x #1#\n#define X #2#\n#define xx #3#\n#define x #4#\n");
   EXPECT_EQ(piece.define(3), kOk);
   EXPECT_EQ(piece.define(), kMacroExists);
@@ -132,7 +134,7 @@ std::string definitionOf(int length) {
   return text + std::string(static_cast<std::size_t>(left), 'y') + "#";
 }
 
-TEST(Macros, ABodyHas4095CharactersAtMost) {
+TEST(MacroStatements, ABodyHas4095CharactersAtMost) {
   Piece fits(definitionOf(4095));
   EXPECT_EQ(fits.define(), kOk);
   EXPECT_EQ(find(fits, "big")->body.size(), 4095U);
@@ -154,7 +156,7 @@ std::string withParams(int count) {
   return text + ") #$p1#";
 }
 
-TEST(Macros, HaveUpTo128Parameters) {
+TEST(MacroStatements, HaveUpTo128Parameters) {
   Piece fits(withParams(128));
   EXPECT_EQ(fits.define(), kOk);
   EXPECT_EQ(find(fits, "f")->argc, 128);
@@ -165,7 +167,7 @@ TEST(Macros, HaveUpTo128Parameters) {
   EXPECT_EQ(tooMany.source.macros.count, 0U);
 }
 
-TEST(Macros, AreForgotten) {
+TEST(MacroStatements, AreForgotten) {
   for (const char *text : {"#undef m", "#undef   m x", "#undef\n\n m", "#unzzz m", "#uxxxx m",
                            "#xnxxx m", "#xxxxf m"}) {
     Piece piece(std::string("#define m #1#\n#define n #2#\n") + text + "\n");
@@ -175,13 +177,13 @@ TEST(Macros, AreForgotten) {
   }
 }
 
-TEST(Macros, MayBeDefinedAgainWhenForgotten) {
+TEST(MacroStatements, MayBeDefinedAgainWhenForgotten) {
   Piece piece("#define m #1#\n#undef m\n#define m #2#\n");
   EXPECT_EQ(piece.define(3), kOk);
   EXPECT_EQ(find(piece, "m")->body, "2");
 }
 
-TEST(Macros, ForgettingThatFails) {
+TEST(MacroStatements, ForgettingThatFails) {
   struct {
     const char *text;
     ErrorCode result;
@@ -199,7 +201,7 @@ TEST(Macros, ForgettingThatFails) {
   }
 }
 
-TEST(Macros, ForgettingAnUnknownOneIsTold) {
+TEST(MacroStatements, ForgettingAnUnknownOneIsTold) {
   Piece piece("#define m #1#\n#undef y z\n");
   EXPECT_EQ(piece.define(), kOk);
   EXPECT_EQ(piece.read(), kOk);
@@ -208,14 +210,14 @@ TEST(Macros, ForgettingAnUnknownOneIsTold) {
   EXPECT_EQ(piece.messages(), "\n\nERROR: Line 2: There is no macro \"y\" in your input file!\n");
 }
 
-TEST(Macros, ThereMustBeOneToForget) {
+TEST(MacroStatements, ThereMustBeOneToForget) {
   Piece piece("#undef y\n#define m #1#\n#undef m\n#undef m\n");
   EXPECT_EQ(piece.define(), kNoMacros);
   EXPECT_EQ(piece.define(2), kOk);
   EXPECT_EQ(piece.define(), kNoMacros);
 }
 
-TEST(Macros, StrayConditionalsAreReadAndDropped) {
+TEST(MacroStatements, StrayConditionalsAreReadAndDropped) {
   struct {
     const char *text;
     ErrorCode result;
@@ -241,14 +243,6 @@ TEST(Macros, StrayConditionalsAreReadAndDropped) {
       EXPECT_EQ(piece.rest(), row.rest) << row.text;
     }
   }
-}
-
-TEST(Macros, FreeingEmptiesTheTable) {
-  Piece piece("#define m #1#\n#define n(a, b) #2#\n");
-  EXPECT_EQ(piece.define(2), kOk);
-  freeMacros(piece.source.macros);
-  EXPECT_EQ(piece.source.macros.count, 0U);
-  EXPECT_EQ(find(piece, "m"), nullptr);
 }
 
 }  // namespace

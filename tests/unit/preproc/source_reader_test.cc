@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
-#include <memory>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -133,6 +133,167 @@ TEST(SourceReader, WarningsInFull) {
   EXPECT_EQ(warned(10, "1 2", 2),
             "\n\nWARNING: Line 7: Reached end of i-time or i-events -- event(s) not added.\n"
             "1 2\n  ^\n");
+}
+
+// What reading a text line by line with `fgets` comes to: every line, cleaned by hand, and whether
+// the end was met after it. `feof` is looked at before the next line, as `inputEnded` is.
+struct Line {
+  std::string text;
+  bool ended;
+  bool operator==(const Line &) const = default;
+};
+
+std::vector<Line> linesOfLibrary(std::string text) {
+  std::vector<Line> lines;
+  std::FILE *file =
+      text.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.data(), text.size(), "r");
+  char line[kLineBytes];
+  while (std::fgets(line, sizeof line, file) != nullptr) {
+    for (char *c = line; *c != '\0'; ++c) {
+      *c = *c == '\n' || *c == '\r' || *c == '\xff' ? ' ' : *c;
+    }
+    lines.push_back({line, std::feof(file) != 0});
+  }
+  EXPECT_EQ(std::ferror(file), 0);
+  std::fclose(file);
+  return lines;
+}
+
+// The lines of the text, whose host hands it over in parts of so many bytes.
+std::vector<Line> fetched(const std::string &text, std::size_t part) {
+  Piece piece(text);
+  piece.text.part = part;
+  std::vector<Line> lines;
+  ErrorCode error = kOk;
+  while ((error = fetchLine(piece.source)) == kOk) {
+    lines.push_back({piece.line(), inputEnded(piece.source)});
+    EXPECT_EQ(piece.source.lineCounter, static_cast<std::int64_t>(lines.size()));
+  }
+  EXPECT_EQ(error, kEndOfInput);
+  EXPECT_TRUE(inputEnded(piece.source));
+  return lines;
+}
+
+std::string randomText(std::mt19937 &random) {
+  const int kLengths[] = {0, 1, 2, 5, 80, 4093, 4094, 4095, 4096, 4097, 8190, 8191, 9000};
+  const char kBytes[] = {'a', ' ', '\r', '\xff', '\t', '\0', '#'};
+  std::string text;
+  for (int left = static_cast<int>(random() % 6); left > 0; --left) {
+    int length = kLengths[random() % std::size(kLengths)];
+    length = random() % 4 == 0 ? static_cast<int>(random() % 9001) : length;
+    std::size_t kinds = random() % 2 == 0 ? 1 : std::size(kBytes);
+    for (int i = 0; i < length; ++i) {
+      text += kBytes[random() % kinds];
+    }
+    text += left > 1 || random() % 2 == 0 ? "\n" : "";
+  }
+  return text;
+}
+
+TEST(SourceReader, FetchesTheLinesThatTheLibraryGets) {
+  std::mt19937 random(1);
+  for (int i = 0; i < 3000; ++i) {
+    std::string text = randomText(random);
+    std::size_t part = random() % 3 == 0 ? 1 + random() % 40 : 1 + random() % 20000;
+    ASSERT_TRUE(fetched(text, part) == linesOfLibrary(text)) << i;
+  }
+}
+
+TEST(SourceReader, FetchesTheSameLinesWhereverTheHostsPartsEnd) {
+  std::string text = std::string("a\n\nbc\r\n") + std::string(4095, 'd') + "\n" +
+                     std::string(4094, 'e') + "\n" + std::string("f\0g\nh", 5);
+  std::vector<Line> expected = linesOfLibrary(text);
+  ASSERT_EQ(expected.size(), 8U);
+  EXPECT_TRUE((expected[4] == Line{" ", false}));
+  EXPECT_TRUE((expected[6] == Line{"f", false}));
+  EXPECT_TRUE((expected[7] == Line{"h", true}));
+  for (std::size_t part : {1U, 2U, 3U, 7U, 100U, 4094U, 4095U, 4096U, 4097U, 8000U, 16384U}) {
+    EXPECT_TRUE(fetched(text, part) == expected) << part;
+  }
+}
+
+TEST(SourceReader, TheEndIsMetWhenReadingOnFindsNothing) {
+  struct {
+    std::string text;
+    std::vector<bool> ended;  // behind each line
+  } rows[] = {
+      {"", {}},
+      {"a", {true}},
+      {"a\n", {false}},
+      {"a\nb", {false, true}},
+      {std::string(4094, 'x'), {true}},
+      {std::string(4095, 'x'), {false}},  // the line is full before anything is missed
+      {std::string(4095, 'x') + "\n", {false, false}},
+  };
+  for (const auto &row : rows) {
+    std::vector<bool> ended;
+    for (const Line &line : fetched(row.text, 1000)) {
+      ended.push_back(line.ended);
+    }
+    EXPECT_EQ(ended, row.ended) << row.text.size();
+  }
+}
+
+// The host fails behind `text`.
+TEST(SourceReader, ATextThatCannotBeReadOn) {
+  struct {
+    std::string text;
+    int lines;  // that come whole before the failure
+  } rows[] = {
+      {"", 0},
+      {"a", 0},
+      {"a\n", 1},
+      {"a\nb\nc", 2},
+      {std::string(4094, 'x'), 0},
+      {std::string(4095, 'x'), 1},
+      {std::string(20000, 'x') + "\n", 5},
+  };
+  for (const auto &row : rows) {
+    for (std::size_t part : {1U, 1000U, 100000U}) {
+      Piece piece(row.text);
+      piece.text.part = part;
+      piece.text.fails = true;
+      for (int i = 0; i < row.lines; ++i) {
+        EXPECT_EQ(fetchLine(piece.source), kOk) << row.text.size();
+      }
+      EXPECT_EQ(piece.source.lineCounter, row.lines);
+      for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(fetchLine(piece.source), kTemporaryFileLost) << row.text.size();
+        EXPECT_FALSE(inputEnded(piece.source));
+      }
+      EXPECT_EQ(piece.source.lineCounter, row.lines);
+    }
+  }
+}
+
+TEST(SourceReader, ALineBeginsAnew) {
+  Piece piece("ab\ncd\n");
+  EXPECT_EQ(fetchLine(piece.source), kOk);
+  piece.source.position = 2;
+  piece.source.expansions = 7;
+  piece.source.marked[0] = true;
+  piece.source.marked[5] = true;
+  piece.source.markedLength = 6;
+  EXPECT_EQ(fetchLine(piece.source), kOk);
+  EXPECT_EQ(piece.line(), "cd ");
+  EXPECT_EQ(piece.source.position, 0);
+  EXPECT_EQ(piece.source.expansions, 0);
+  EXPECT_EQ(piece.source.markedLength, 0);
+  EXPECT_FALSE(piece.source.marked[0]);
+  EXPECT_FALSE(piece.source.marked[5]);
+}
+
+TEST(SourceReader, FetchesNothingForARunThatHasExpandedTooMuch) {
+  for (bool byCharacters : {false, true}) {
+    Piece piece("a\nb\n");
+    ExpansionCount &spent = piece.source.spent;
+    (byCharacters ? spent.characters : spent.expansions) =
+        byCharacters ? kMaxExpandedInRun : kMaxExpansionsInRun;
+    EXPECT_EQ(fetchLine(piece.source), kOk);
+    ++(byCharacters ? spent.characters : spent.expansions);
+    EXPECT_EQ(fetchLine(piece.source), kOutOfMemory);
+    EXPECT_EQ(piece.line(), "a ");
+  }
 }
 
 }  // namespace
