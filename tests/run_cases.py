@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Runs whole runs of Korvo and compares every byte of what comes out.
 
-    run_cases.py KORVO_BINARY [--filter TEXT] [--show] [--accept] [--unpack FOLDER] CHAPTER...
+    run_cases.py KORVO_BINARY [--filter TEXT] [--show] [--accept] [--unpack FOLDER] [--left-out LIST] CHAPTER...
 
 runs/README.md says what a chapter is; chapters.py reads and writes them. Each CHAPTER is a file or a folder of them. A
 failing case prints one line, with --show also a readable difference. The last line is the count, and the exit status is
-1 when a case failed.
+1 when a case failed. The cases in LIST must fail: they are what a program that stands in for korvo cannot do.
 """
 
 import argparse
@@ -328,6 +328,28 @@ def unpack(case, folder):
     print(f"cd {shlex.quote(str(place))} && korvo {shlex.join(arguments)}")
 
 
+# ---- what a stand-in cannot do
+
+
+def read_left_out(path, cases):
+    """The names in a list of cases that are left out: reasons, and indented below each the cases that it is given for."""
+    names = set()
+    reason = ""
+    for number, line in enumerate(path.read_text().splitlines(), 1):
+        name = line.strip()
+        if name and line == name:
+            reason = name
+        elif name:
+            fault = "has no reason" if not reason else "is there twice" if name in names else ""
+            fault = fault or ("" if name in cases else "is no case")
+            if fault:
+                raise BadCase(f"{path}:{number}: {name} {fault}")
+            names.add(name)
+        else:
+            reason = ""
+    return names
+
+
 # ---- running them all
 
 
@@ -369,11 +391,12 @@ def read_command_line():
     parser.add_argument("--filter", default="", metavar="TEXT", help="only cases whose topic/name has TEXT, or is TEXT")
     parser.add_argument("--show", action="store_true", help="print a readable difference")
     parser.add_argument("--accept", action="store_true", help="write what came out as expected")
+    parser.add_argument("--left-out", type=Path, metavar="LIST", help="cases that must fail, each with a reason")
     parser.add_argument("--unpack", type=Path, metavar="FOLDER", help="only write the cases there as plain files")
     return parser.parse_args()
 
 
-def run_chapter(chapter, names, arguments, environment, folder):
+def run_chapter(chapter, names, left_out, arguments, environment, folder):
     """Runs the cases of a chapter that are among the names. Gives the number of those that fail."""
     faults = 0
     before = list(chapter.cases)
@@ -381,6 +404,8 @@ def run_chapter(chapter, names, arguments, environment, folder):
         if name_of(case) not in names:
             continue
         chapter.cases[i], differences = judge(arguments.korvo, case, environment, folder, arguments.accept)
+        if name_of(case) in left_out:
+            differences = [] if differences else [Difference("is left out, but passes")]
         if differences:
             faults += 1
             print(f"FAIL {name_of(case)} ({case.place}): {'; '.join(each.summary for each in differences)}")
@@ -402,6 +427,12 @@ def main():
     except (BadChapter, OSError) as error:
         sys.exit(f"run_cases: {error}")
     names = selected(all_chapters, arguments.filter)
+    left_out = set()
+    if arguments.left_out:
+        try:
+            left_out = read_left_out(arguments.left_out, selected(all_chapters, ""))
+        except (BadCase, OSError) as error:
+            sys.exit(f"run_cases: {error}")
     if not names:
         sys.exit("run_cases: no case matches")
 
@@ -413,9 +444,11 @@ def main():
     environment = environment_of_runs()
     place = MEMORY if os.access(MEMORY, os.W_OK) else None
     with tempfile.TemporaryDirectory(prefix="korvo-runs-", dir=place) as folder:
-        runs = (run_chapter(each, names, arguments, environment, Path(folder, "run")) for each in all_chapters)
-        faults = sum(runs)
-    print(f"{len(names) - faults} passed, {faults} failed")
+        place = Path(folder, "run")
+        faults = sum(run_chapter(each, names, left_out, arguments, environment, place) for each in all_chapters)
+    left_out &= names
+    passed = len(names) - len(left_out) - faults
+    print(f"{passed} passed, {faults} failed" + (f", {len(left_out)} left out" if left_out else ""))
     return 1 if faults else 0
 
 

@@ -132,6 +132,32 @@ class HarnessTest(unittest.TestCase):
         case = PIECE + "x\n--- file folder/part\ny\\x00 (esc) (no-eol)\n" + SCORE + "--- stdout\n78 0a 79 00\n"
         self.assert_passes(GOOD + "; cat piece.txt folder/part | od -An -tx1 | cut -c2-", case)
 
+    def test_what_is_left_out_must_fail(self):
+        left_out = self.root / "left_out.txt"
+        self.write(PIECE + SCORE, PIECE + SCORE)
+        left_out.write_text("No second run.\n    topic/case2\n")
+        script = f"[ -e {self.root}/ran ] || {{ {GOOD}; touch {self.root}/ran; }}"
+        status, text = self.harness(script, "--left-out", left_out)
+        self.assertEqual((status, text), (0, "1 passed, 0 failed, 1 left out\n"))
+        status, text = self.harness(GOOD, "--left-out", left_out)
+        self.assertEqual(status, 1)
+        self.assertIn("FAIL topic/case2", text)
+        self.assertIn(": is left out, but passes\n", text)
+
+    def test_a_list_of_what_is_left_out_is_read_with_care(self):
+        left_out = self.root / "left_out.txt"
+        self.write(PIECE + SCORE)
+        for text, words in (
+            ("Why.\n    topic/other\n", "left_out.txt:2: topic/other is no case"),
+            ("    topic/case\n", "left_out.txt:1: topic/case has no reason"),
+            ("Why.\n\n    topic/case\n", "left_out.txt:3: topic/case has no reason"),
+            ("Why.\n    topic/case\n\nAgain.\n    topic/case\n", "left_out.txt:5: topic/case is there twice"),
+        ):
+            left_out.write_text(text)
+            status, said = self.harness(GOOD, "--left-out", left_out)
+            self.assertEqual(status, 1)
+            self.assertIn(words, said)
+
     def test_input_and_other_files_must_be_left_alone(self):
         case = PIECE + "x (no-eol)\n--- file part\n" + SCORE
         self.assert_fails(GOOD + "; echo y > piece.txt", case, "piece.txt was changed")

@@ -83,12 +83,14 @@ void findPlace(SourceReader &source, Message &message) {
   if (source.placeSteps > kMostSteps) {
     return;
   }
-  std::int32_t from = source.position;
+  // A dropped section that is left open may have taken the position beyond the line.
+  auto length = static_cast<std::int32_t>(std::strlen(source.line));
+  std::int32_t from = std::min(source.position, length);
   std::int32_t to = from;
   while (from > 0 && isWordPart(source.line[from - 1])) {
     --from;
   }
-  bool behind = current(source) == '\0' || isSpace(current(source));
+  bool behind = source.line[to] == '\0' || isSpace(source.line[to]);
   if (from == to && behind && from > 0) {
     --from;
   } else if (from == to) {
