@@ -63,7 +63,12 @@ class Run:
     @property
     def complaints(self):
         """The lines of the messages that tell of a warning or an error, whether they have a number or not."""
-        return [line for line in self.messages.splitlines() if re.search(r"\b(WARNING|ERROR|Error|Oops|Bad include)\b", line)]
+        return [line for line in self.messages.splitlines() if complains(line)]
+
+
+def complains(line):
+    """Whether a line of messages tells of a warning or an error, be it numbered or not."""
+    return re.search(r"\b(WARNING|ERROR|Error|Oops|Bad include)\b|Too many embedded|preceeded by a \|", line) is not None
 
 
 def read_blocks(path):
@@ -115,6 +120,25 @@ def _indented(lines, index):
     return index, [line[4:] for line in code], index + len(code)
 
 
+def in_frame(frame, text):
+    """The frame of an example that shows p-fields only: they take the place of those with their numbers. The header gets
+    as many p-fields as there are then; the ones in between that nobody shows are 60."""
+    shown = p_fields(text)
+    own = {p_fields(line)[0]: line for line in frame.splitlines() if p_fields(line)}
+    count = max([*shown, *own])
+    before, behind = [], []
+    for number in range(2, count + 1):
+        if number not in shown:
+            (before if number < min(shown) else behind).append(own.get(number, f"  p{number} 60"))
+    header = re.sub(r"^(\s*i\d+\s*=\s*)\d+", rf"\g<1>{count}", frame.splitlines()[0])
+    return "\n".join([header, *before, text.rstrip("\n"), *behind, "}\n"])
+
+
+def p_fields(text):
+    """The numbers of the p-fields that a text gives, in order; each of them opens its line."""
+    return [int(number) for number in re.findall(r"^\s*p(\d+)", text, re.M)]
+
+
 def run_piece(korvo, text, options=(), files=None):
     """Runs a piece in an empty folder, in which `files` (name to text) lie beside it, and gives what came out."""
     with tempfile.TemporaryDirectory(prefix="korvo-documents-") as name:
@@ -133,6 +157,13 @@ def run_in(korvo, folder, options=()):
     done = subprocess.run(command, cwd=folder, capture_output=True, timeout=TIME_LIMIT, check=False)
     score = output.read_bytes() if output.exists() else b""
     return Run(done.returncode, *(each.decode("utf-8", "replace") for each in (score, done.stdout, done.stderr)))
+
+
+def run_beside(korvo, folder, options=()):
+    """Runs the piece.txt of a folder in a copy of it and of the folders beside it, which it may include from."""
+    with tempfile.TemporaryDirectory(prefix="korvo-documents-") as name:
+        beside = copy_of(Path(folder).parent, Path(name) / "copy")
+        return run_in(korvo, beside / Path(folder).name, options)
 
 
 def run_shell(commands, folder, programs):
