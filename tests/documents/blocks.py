@@ -129,7 +129,7 @@ def in_frame(frame, text):
     before, behind = [], []
     for number in range(2, count + 1):
         if number not in shown:
-            (before if number < min(shown) else behind).append(own.get(number, f"  p{number} 60"))
+            (before if number < min(shown, default=2) else behind).append(own.get(number, f"  p{number} 60"))
     header = re.sub(r"^(\s*i\d+\s*=\s*)\d+", rf"\g<1>{count}", frame.splitlines()[0])
     return "\n".join([header, *before, text.rstrip("\n"), *behind, "}\n"])
 
