@@ -30,9 +30,11 @@ class Run:
 
 
 def run(words, take, **options):
-    """Runs a program to its end. What it writes to its streams goes to `take`, one after the other as it comes."""
-    process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                               **options)
+    """Runs a program to its end. What it writes to its streams, or to the one that is a pipe by the options, goes to
+    `take` as it comes."""
+    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.STDOUT, **options}
+    process = subprocess.Popen(words, **options)
+    pipe = process.stdout or process.stderr
     hung = threading.Event()
 
     def kill():
@@ -41,12 +43,14 @@ def run(words, take, **options):
 
     timer = threading.Timer(HANG, kill)
     timer.start()
-    while block := os.read(process.stdout.fileno(), 1 << 20):
-        take(block)
-    process.stdout.close()
-    os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
-    timer.cancel()
-    timer.join()
+    try:
+        while block := os.read(pipe.fileno(), 1 << 20):
+            take(block)
+        pipe.close()
+        os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
+    finally:
+        timer.cancel()
+        timer.join()
     _, status, usage = os.wait4(process.pid, 0)
     process.returncode = os.waitstatus_to_exitcode(status)
     return Run(process.returncode, hung.is_set(), usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024)

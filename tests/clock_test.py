@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Tests how the tests measure: clock.py with stand-ins for the program and for the yardstick."""
 
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -19,6 +20,13 @@ class Runs(unittest.TestCase):
         ended = clock.run(["sh", "-c", "echo one; echo two >&2; exit 3"], written.append)
         self.assertEqual((ended.status, ended.hung), (3, False))
         self.assertEqual(b"".join(written), b"one\ntwo\n")
+
+    def test_one_stream(self):
+        for streams, expected in (({"stdout": subprocess.DEVNULL, "stderr": subprocess.PIPE}, b"two\n"),
+                                  ({"stderr": subprocess.DEVNULL}, b"one\n")):
+            written = []
+            clock.run(["sh", "-c", "echo one; echo two >&2"], written.append, **streams)
+            self.assertEqual(b"".join(written), expected)
 
     def test_what_never_ends_is_killed(self):
         self.addCleanup(setattr, clock, "HANG", clock.HANG)

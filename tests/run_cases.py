@@ -20,7 +20,7 @@ import tempfile
 from dataclasses import dataclass
 from pathlib import Path
 
-TIME_LIMIT = 20  # seconds for one run
+TIME_LIMIT = 600  # seconds for one run
 SANITIZER_STATUS = 99  # so that a sanitizer's report is never taken for the program's own status 1
 
 BANNER_HEAD = (
