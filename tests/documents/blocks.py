@@ -13,7 +13,7 @@ import tempfile
 from dataclasses import dataclass
 from pathlib import Path
 
-TIME_LIMIT = 60  # seconds for one run
+TIME_LIMIT = 600  # seconds for one run, which only one that hangs needs
 GAP = "..."  # a shown line that stands for any number of lines
 COMMENT = re.compile(r"<!--\s*(.*?)\s*-->")
 FENCE = re.compile(r" {0,3}(```+|~~~+)")
@@ -175,7 +175,7 @@ def run_shell(commands, folder, programs):
         file.write_text(script, encoding="utf-8")
         done = subprocess.run(
             ["sh", "-e", str(file)], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-            stdin=subprocess.DEVNULL, timeout=10 * TIME_LIMIT, check=False,
+            stdin=subprocess.DEVNULL, timeout=TIME_LIMIT, check=False,
         )
         left = Path(f"{file}.folder")
         ended = Path(left.read_text(encoding="utf-8").rstrip("\n")) if left.exists() else Path(folder)

@@ -19,6 +19,11 @@ import tempfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 # ---- numbers
 
 
@@ -946,7 +951,7 @@ def run(korvo, piece):
             cwd=folder,
             stdin=subprocess.DEVNULL,
             capture_output=True,
-            timeout=60,
+            timeout=clock.HANG,
         )
         done = outcome.returncode == 0
         return outcome, Path(folder, "piece.sco").read_text() if done else None
