@@ -469,6 +469,8 @@ class Pfield:
         block = self.block
         grows = not (self.number == 2 and block.beats is not None)
         loop = self.loop if any(not inserted for _, inserted in self.loop) else []
+        if loop and self.number == 2:
+            self.pending = False  # what a ":" at the end asked for is forgotten
         self.recording = False
         grown = False
         if loop and loop[0][1] and grows:
