@@ -7,6 +7,8 @@
 ; Instruments:  1 plucked string   2 organ   3 bell   4 drum (p4: pitch of the skin)   5 bass   6 reed
 ;               7 to 16 sound like the organ
 ;
+; A p-field is asked for as p(6): Csound warns of a p6 that a score does not give.
+;
 ; Each note prints one line with its instrument, start and duration, which shows what was really played.
 ;
 ;   korvo piece.txt piece.sco && csound -o piece.wav orchestra.orc piece.sco
@@ -40,67 +42,67 @@ endop
 
 instr 1 ; plucked string
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   asound pluck iamplitude, ifrequency, ifrequency, 0, 1
-  aleft, aright Place asound * linseg:k(1, p3 * 0.9, 1, p3 * 0.1, 0), p6
+  aleft, aright Place asound * linseg:k(1, p3 * 0.9, 1, p3 * 0.1, 0), p(6)
   outs aleft, aright
 endin
 
 instr 2, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16 ; organ: three flutes
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   kenvelope linen iamplitude, 0.05 * p3, p3, 0.2 * p3
   aone oscili 0.6 * kenvelope, ifrequency
   atwo oscili 0.25 * kenvelope, 2 * ifrequency
   athree oscili 0.15 * kenvelope, 3 * ifrequency
-  aleft, aright Place aone + atwo + athree, p6
+  aleft, aright Place aone + atwo + athree, p(6)
   outs aleft, aright
 endin
 
 instr 3 ; bell: two sines, one bending the other less and less
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   kbend expon 5, p3, 0.1
   kenvelope expon iamplitude, p3, 0.001 * iamplitude
   amodulator oscili kbend * ifrequency * 1.4, ifrequency * 1.4
   asound oscili kenvelope, ifrequency + amodulator
-  aleft, aright Place asound, p6
+  aleft, aright Place asound, p(6)
   outs aleft, aright
 endin
 
 instr 4 ; drum: a falling tone in a burst of noise
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   kenvelope expon iamplitude, p3, 0.001 * iamplitude
   kfall expon 1.5 * ifrequency, p3, 0.5 * ifrequency
   askin oscili 0.7 * kenvelope, kfall
   anoise noise 0.3 * kenvelope, 0
-  aleft, aright Place askin + anoise, p6
+  aleft, aright Place askin + anoise, p(6)
   outs aleft, aright
 endin
 
 instr 5 ; bass: a band-limited saw through a closing filter
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   kenvelope linen iamplitude, 0.02 * p3, p3, 0.3 * p3
   asaw vco2 0.8 * kenvelope, ifrequency
   asound tone asaw, 6 * ifrequency
-  aleft, aright Place asound, p6
+  aleft, aright Place asound, p(6)
   outs aleft, aright
 endin
 
 instr 6 ; reed: a narrow square
   Announce
-  ifrequency Frequency p4
-  iamplitude Amplitude p5
+  ifrequency Frequency p(4)
+  iamplitude Amplitude p(5)
   kenvelope linen iamplitude, 0.1 * p3, p3, 0.15 * p3
   asquare vco2 0.5 * kenvelope, ifrequency, 2, 0.3
   asound tone asquare, 4 * ifrequency
-  aleft, aright Place asound, p6
+  aleft, aright Place asound, p(6)
   outs aleft, aright
 endin

@@ -18,7 +18,8 @@ import tempfile
 from dataclasses import dataclass, replace
 from pathlib import Path
 
-TIME_LIMIT = 60  # seconds
+import clock
+
 NOTE_OFF_AMPLITUDE = 15480.47265625
 
 
@@ -177,11 +178,11 @@ def fault_of(korvo, words, notes, folder):
             cwd=folder,
             stdin=subprocess.DEVNULL,
             capture_output=True,
-            timeout=TIME_LIMIT,
+            timeout=clock.HANG,
             check=False,
         )
     except subprocess.TimeoutExpired:
-        return f"did not end within {TIME_LIMIT} seconds"
+        return f"did not end within {clock.HANG} seconds"
     if done.returncode != 0:
         return f"status {done.returncode}: {done.stderr.decode('utf-8', 'replace')[-500:]}"
     expected, found = midi_file(notes), (folder / "piece.mid").read_bytes()

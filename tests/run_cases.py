@@ -23,7 +23,7 @@ from pathlib import Path
 import chapters
 from chapters import PIECE, BadChapter
 
-TIME_LIMIT = 300  # seconds for one run, which only one that hangs needs
+TIME_LIMIT = 600  # seconds for one run, which only one that hangs needs
 MEMORY = "/dev/shm"  # where the runs happen, if it is there: they write and delete many small files
 SANITIZER_STATUS = 99  # so that a sanitizer's report is never taken for the program's own status 1
 

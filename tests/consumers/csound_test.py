@@ -21,7 +21,11 @@ import tempfile
 import wave
 from pathlib import Path
 
-TIME_LIMIT = 120  # seconds for one run of either program
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 SILENCE = 30.0  # root mean square of 16-bit samples; below it nobody hears anything
 
 
@@ -37,11 +41,11 @@ def run(words, folder):
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
-            timeout=TIME_LIMIT,
+            timeout=clock.HANG,
             check=False,
         )
     except subprocess.TimeoutExpired:
-        raise Fault(f"{Path(words[0]).name} did not end within {TIME_LIMIT} seconds") from None
+        raise Fault(f"{Path(words[0]).name} did not end within {clock.HANG} seconds") from None
 
 
 def last_lines(output, count=15):

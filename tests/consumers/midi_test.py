@@ -32,7 +32,11 @@ from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
-TIME_LIMIT = 300  # seconds for one run of any program
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 TICKS = 480.0  # in a second: one quarter note
 SILENCE = 100.0  # root mean square of 16-bit samples
 MEGABYTES = 4  # of the large file, at least
@@ -114,11 +118,11 @@ def run(words, folder, output=subprocess.PIPE, messages=subprocess.PIPE):
             stdin=subprocess.DEVNULL,
             stdout=output,
             stderr=messages,
-            timeout=TIME_LIMIT,
+            timeout=clock.HANG,
             check=False,
         )
     except subprocess.TimeoutExpired:
-        raise Fault(f"{name} did not end within {TIME_LIMIT} seconds") from None
+        raise Fault(f"{name} did not end within {clock.HANG} seconds") from None
     if done.returncode != 0:
         text = done.stderr if messages == subprocess.PIPE else Path(messages.name).read_bytes()
         lines = text.decode("utf-8", "replace").rstrip().splitlines()[-10:]

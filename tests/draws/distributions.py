@@ -15,6 +15,11 @@ import sys
 import tempfile
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 COUNT = 10000
 LIMIT = math.sqrt(-math.log(0.001 / 2) / 2)  # 1.949, for the largest distance times sqrt(COUNT)
 SEEDS = (1, 42, 65535)
@@ -94,7 +99,7 @@ def values(korvo, seed, letter):
             check=True,
             stdin=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL,
-            timeout=60,
+            timeout=clock.HANG,
         )
         lines = Path(folder, "piece.sco").read_text().splitlines()
     return sorted(float(line.split()[3]) / HIGH for line in lines if line.startswith("i"))

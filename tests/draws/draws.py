@@ -19,6 +19,11 @@ import tempfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 # ---- numbers
 
 
@@ -464,6 +469,8 @@ class Pfield:
         block = self.block
         grows = not (self.number == 2 and block.beats is not None)
         loop = self.loop if any(not inserted for _, inserted in self.loop) else []
+        if loop and self.number == 2:
+            self.pending = False  # what a ":" at the end asked for is forgotten
         self.recording = False
         grown = False
         if loop and loop[0][1] and grows:
@@ -946,7 +953,7 @@ def run(korvo, piece):
             cwd=folder,
             stdin=subprocess.DEVNULL,
             capture_output=True,
-            timeout=60,
+            timeout=clock.HANG,
         )
         done = outcome.returncode == 0
         return outcome, Path(folder, "piece.sco").read_text() if done else None

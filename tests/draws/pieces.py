@@ -415,7 +415,7 @@ piece("ra", "inserted-at-the-end", "A mark at the end of the block makes room fo
       plain("-2", ["5 6 :", Ra("9", ("1", "[0 1]"))]))
 piece("ra", "inserted-duration-takes-the-new-rhythm", "The copy's rhythm is the duration that the event before has by then.", seed("121"),
       Block("0", "-3", "1 2 1", ["3 :", Ra("-1", ("1", "2")), "1"]))
-piece("p2", "mark-at-the-end-of-a-p-field", "The value that completes the p-field, or the first one of the loop, is inserted.", seed("121"),
+piece("p2", "mark-at-the-end-of-a-p-field", "The value that completes the p-field is inserted; of a loop in P2 none is, from P3 on its first one.", seed("121"),
       Block("0", "-4", "1 2 :", "1 :", "5 6 :", [Ra("T", ("1", "[0 1]"))]),
       Block("0", "-4", "< 1 2 > :", "< 1 2 > :", "< 5 6 > :", [Ra("T", ("1", "[0 1]"))]),
       Block("0", "6", "< 1 0.5 > :", "1 :", "< 5 6 > :", [Mo("T", ("1", "*", "0", "1"))]))

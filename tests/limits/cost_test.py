@@ -1,27 +1,28 @@
 #!/usr/bin/env python3
-"""No piece of a megabyte takes more than ten seconds or a gigabyte, unless it asks for that many events.
+"""No piece of a megabyte costs more than a hundred yardsticks or a gigabyte, unless it asks for that many events.
 
     cost_test.py [--measure] KORVO_BINARY [PIECE...]
 
-Each piece is a megabyte of one thing that could be slow. With --measure nothing is checked: time, memory and the number
-of message bytes are printed. What the pieces print goes into a pipe that is only counted.
+Each piece is a megabyte of one thing that could be slow; the dearest cost about a fifth of what is allowed. ../clock.py
+has the yardstick. With --measure nothing is checked: cost, memory and the number of message bytes are printed. What the
+pieces print goes into a pipe that is only counted.
 """
 
 import itertools
 import os
 import string
-import subprocess
 import sys
 import tempfile
-import threading
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 MEGABYTE = 1 << 20
-MOST_SECONDS = 10.0
+MOST_YARDSTICKS = 100
 MOST_BYTES = 1 << 30
-GIVE_UP = 120  # seconds by the clock, which runs on while other work has the machine
-
-
 
 
 def fill(text, begin="", end=""):
@@ -203,26 +204,21 @@ def all_pieces():
     yield from pieces_with_includes()
 
 
-def measure(korvo, text, part, options):
-    """Runs one piece; gives seconds, bytes of memory, bytes of messages and the status."""
+def run(korvo, text, part, options):
+    """Runs one piece; gives how it ended, the number of message bytes and the last of them."""
+    printed = 0
+    last = b""
+
+    def count(block):
+        nonlocal printed, last
+        printed += len(block)
+        last = block[-200:]
+
     with tempfile.TemporaryDirectory(prefix="korvo-cost-") as folder:
         (Path(folder) / "piece.txt").write_bytes(text.encode("latin-1"))
         (Path(folder) / "part.txt").write_bytes(part.encode("latin-1"))
-        process = subprocess.Popen([korvo, *options, "piece.txt", "/dev/null"], cwd=folder,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        timer = threading.Timer(GIVE_UP, process.kill)
-        timer.start()
-        printed = 0
-        last = b""
-        while block := os.read(process.stdout.fileno(), 1 << 20):
-            printed += len(block)
-            last = block[-200:]
-        process.stdout.close()
-        _, status, usage = os.wait4(process.pid, 0)
-        process.returncode = os.waitstatus_to_exitcode(status)
-        timer.cancel()
-        seconds = usage.ru_utime + usage.ru_stime
-        return seconds, usage.ru_maxrss * 1024, printed, process.returncode, last
+        ended = clock.run([korvo, *options, "piece.txt", "/dev/null"], count, cwd=folder)
+    return ended, printed, last
 
 
 def main():
@@ -230,18 +226,23 @@ def main():
     measuring = "--measure" in arguments
     arguments = [a for a in arguments if a != "--measure"]
     korvo, names = os.path.abspath(arguments[0]), arguments[1:]
+    yardstick = clock.Yardstick(korvo)
     failures = 0
     for name, text, part in all_pieces():
         if names and name not in names:
             continue
         assert len(text) + len(part) <= MEGABYTE * 1.1, name
         for options in [], ["-m", "-s"], ["-t", "-l", "/dev/./null"]:
-            seconds, memory, printed, status, last = measure(korvo, text, part, options)
-            too_much = seconds > MOST_SECONDS or memory > MOST_BYTES or status not in (0, 1)
+            ended, printed, last = run(korvo, text, part, options)
+            cost = 0
+            if ended.status in (0, 1):
+                cost = yardstick.cost(ended.seconds, lambda: run(korvo, text, part, options)[0].seconds, MOST_YARDSTICKS)
+            too_much = cost > MOST_YARDSTICKS or ended.memory > MOST_BYTES or ended.status not in (0, 1)
             failures += too_much
             if measuring or too_much:
-                print(f"{'FAIL ' if too_much else ''}{name} {' '.join(options)}: {seconds:.1f} s,"
-                      f" {memory >> 20} MiB, {printed >> 10} KiB of messages, status {status}", flush=True)
+                print(f"{'FAIL ' if too_much else ''}{name} {' '.join(options)}: {cost:.1f} yardsticks,"
+                      f" {ended.memory >> 20} MiB, {printed >> 10} KiB of messages,"
+                      f" {'killed, as it did not end' if ended.hung else f'status {ended.status}'}", flush=True)
             if measuring and os.environ.get("SHOW"):
                 print("     ", last[-120:])
     sys.exit(1 if failures and not measuring else 0)

@@ -11,6 +11,11 @@ import tempfile
 import unittest
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 KORVO = None
 
 OUT_OF_MEMORY = "Yikes, out of memory!"
@@ -18,16 +23,18 @@ OUT_OF_MEMORY = "Yikes, out of memory!"
 
 def run(text, *options):
     """The status of a run whose output is dropped, the number of bytes that it says, the last messages."""
+    total, last = 0, b""
+
+    def count(block):
+        nonlocal total, last
+        total += len(block)
+        last = (last + block)[-20000:]
+
     with tempfile.TemporaryDirectory(prefix="korvo-limits-") as folder:
         (Path(folder) / "piece.txt").write_text(text)
-        process = subprocess.Popen([KORVO, *options, "piece.txt", "/dev/null"], cwd=folder,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-        total, last = 0, b""
-        while part := os.read(process.stderr.fileno(), 1 << 20):
-            total += len(part)
-            last = (last + part)[-20000:]
-        process.stderr.close()
-        return process.wait(), total, last.decode()
+        ended = clock.run([KORVO, *options, "piece.txt", "/dev/null"], count, cwd=folder,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        return ended.status, total, last.decode()
 
 
 class LargeLimits(unittest.TestCase):

@@ -12,6 +12,11 @@ import tempfile
 import unittest
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+import clock  # noqa: E402
+
 KORVO = None
 
 OUT_OF_MEMORY = "Yikes, out of memory!"
@@ -240,7 +245,8 @@ def run_to_score(text):
     with tempfile.TemporaryDirectory(prefix="korvo-limits-") as folder:
         (Path(folder) / "piece.txt").write_text(text)
         (Path(folder) / "part.txt").write_text("")
-        result = subprocess.run([KORVO, "-s", "piece.txt", "piece.sco"], cwd=folder, capture_output=True, timeout=300)
+        result = subprocess.run([KORVO, "-s", "piece.txt", "piece.sco"], cwd=folder, capture_output=True,
+                                timeout=clock.HANG)
         return result.returncode, result.stderr.decode(), (Path(folder) / "piece.sco").read_text()
 
 

@@ -19,12 +19,12 @@ STILL_MAX = 65_536
 OUTPUT_NAMES = ('bn', 'in', 'db', 'hz', 'op', 'od', 're', 'tr', 'xx')
 INPUT_MODES = (names.DB, names.IN, names.NO, names.OP, names.RE, names.RH, names.OD)
 VALUE_STARTS = {
-    names.RE: '+-.0123456789z',
-    names.RH: '+-.0123456789z',
-    names.DB: '+-.0123456789z',
+    names.RE: '+-.0123456789zZ',
+    names.RH: '+-.0123456789zZ',
+    names.DB: '+-.0123456789zZ',
     names.IN: '+-0123456789',
     names.NO: lex.LETTERS | lex.DIGITS,
-    names.OP: '+-0123456789z',
+    names.OP: '+-0123456789zZ',
 }
 NOTES = {'c': 0, 'd': 2, 'e': 4, 'f': 5, 'g': 7, 'a': 9, 'b': 11}
 

@@ -5,7 +5,8 @@
     laws.py KORVO_BINARY --pieces 1000000 --seed 1000000      before a release
 
 The laws, each with its name in the report:
-  status     the status is 0 or 1, and a run takes less than a second of the processor
+  status     the status is 0 or 1
+  cost       a run takes little of the processor, and a little more for each event
   twice      the same input gives the same bytes twice
   silent     -s changes messages only: what is left of them stands in the full messages in the same order
   log        the log is what stood on standard error
@@ -39,13 +40,13 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(HERE))
+sys.path[:0] = [str(HERE), str(HERE.parent)]
 
+import clock  # noqa: E402
 import generate  # noqa: E402
 
-SLOW = 1.0  # seconds of the processor, so that other work on the machine does not count
-PER_EVENT = 2e-6  # more seconds for each event
-TIME_LIMIT = 60  # seconds by the clock
+MOST_YARDSTICKS = 2  # for one run; clock.py has the yardstick
+MORE_FOR_AN_EVENT = 5e-6  # five times what the yardstick takes
 NUMBER = r"[ ]*(-?[\d.]+|-?inf|-?nan)"
 
 
@@ -87,8 +88,9 @@ class Broken(Exception):
 
 
 class Checker:
-    def __init__(self, binary):
+    def __init__(self, binary, yardstick):
         self.binary = binary
+        self.yardstick = yardstick
         self.written = None  # the files that lie in the folder
 
     # ---- runs
@@ -98,28 +100,31 @@ class Checker:
         if files is not self.written:
             generate.write(files, ".")
             self.written = files
-        arguments = [self.binary, *options, "piece.txt", "out.sco"]
-        for attempt in range(3):
-            pid = os.posix_spawn(self.binary, arguments, os.environ, file_actions=STREAMS)
-            signal.setitimer(signal.ITIMER_REAL, TIME_LIMIT)
-            try:
-                _, status, usage = os.wait4(pid, 0)
-            except TimeoutError:
-                os.kill(pid, signal.SIGKILL)
-                os.waitpid(pid, 0)
-                raise Broken(f"status: no end after {TIME_LIMIT} seconds with {options}") from None
-            finally:
-                signal.setitimer(signal.ITIMER_REAL, 0)
-            seconds = usage.ru_utime + usage.ru_stime
-            result = Result(os.waitstatus_to_exitcode(status), *(take(name) for name in FILES))
-            events = sum(int(count) for count in re.findall(rb"\n(\d+) events generated", result.stderr))
-            if seconds < SLOW + PER_EVENT * events:
-                break
-        else:
-            raise Broken(f"status: {seconds:.1f} seconds for {events} events with {options}")
+        result, seconds = self.spawn(options)
         if result.status not in (0, 1):
             raise Broken(f"status: {result.status} with {options}: {result.stderr[-200:]!r}")
+        events = sum(int(count) for count in re.findall(rb"\n(\d+) events generated", result.stderr))
+        most = MOST_YARDSTICKS + MORE_FOR_AN_EVENT * events
+        cost = self.yardstick.cost(seconds, lambda: self.spawn(options)[1], most)
+        if cost > most:
+            raise Broken(f"cost: {cost:.1f} yardsticks for {events} events with {options}")
         return result
+
+    def spawn(self, options):
+        """What a run gives, and its seconds of the processor. It leaves nothing behind."""
+        arguments = [self.binary, *options, "piece.txt", "out.sco"]
+        pid = os.posix_spawn(self.binary, arguments, os.environ, file_actions=STREAMS)
+        signal.setitimer(signal.ITIMER_REAL, clock.HANG)
+        try:
+            _, status, usage = os.wait4(pid, 0)
+        except TimeoutError:
+            os.kill(pid, signal.SIGKILL)
+            os.waitpid(pid, 0)
+            raise Broken(f"status: no end after {clock.HANG} seconds with {options}") from None
+        finally:
+            signal.setitimer(signal.ITIMER_REAL, 0)
+        result = Result(os.waitstatus_to_exitcode(status), *(take(name) for name in FILES))
+        return result, usage.ru_utime + usage.ru_stime
 
     @staticmethod
     def same(law, a, b, fields="status stdout output stderr"):
@@ -337,8 +342,12 @@ class Checker:
 
 # ---- many pieces
 
+yardstick = None  # of a worker
 
-def begin_worker(folder):
+
+def begin_worker(binary, folder):
+    global yardstick
+    yardstick = clock.Yardstick(binary)
     signal.signal(signal.SIGALRM, out_of_time)
     os.chdir(tempfile.mkdtemp(dir=folder))
 
@@ -346,7 +355,7 @@ def begin_worker(folder):
 def one(task):
     binary, seed = task
     try:
-        Checker(binary).check(seed)
+        Checker(binary, yardstick).check(seed)
     except Broken as law:
         return seed, str(law)
     except (IndexError, KeyError) as fault:
@@ -368,7 +377,7 @@ def main():
     passed = failed = 0
     try:
         tasks = ((binary, seed) for seed in range(given.seed, given.seed + given.pieces))
-        with multiprocessing.Pool(given.jobs, begin_worker, (folder,)) as pool:
+        with multiprocessing.Pool(given.jobs, begin_worker, (binary, folder)) as pool:
             for seed, law in pool.imap_unordered(one, tasks, chunksize=8):
                 if law is None:
                     passed += 1
