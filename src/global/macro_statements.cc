@@ -54,12 +54,15 @@ bool appendCharacter(Definition &definition, char c) {
   return true;
 }
 
-ErrorCode tooLong(SourceReader &source, const char *what, int limit) {
-  sayError(
-      source,
-      "\n\nERROR: Line %d: The macro %s has exceeded the maximum number\nof characters allowed "
-      "(%d).\n",
-      {source.lineCounter, what, limit});
+constexpr const char *kNameTooLong =
+    "\n\nERROR: Line %d: The macro name has exceeded the maximum number\n"
+    "of characters allowed (%d).\n";
+constexpr const char *kBodyTooLong =
+    "\n\nERROR: Line %d: The macro body has exceeded the maximum number\n"
+    "of characters allowed (%d).\n";
+
+ErrorCode tooLong(SourceReader &source, const char *format, int limit) {
+  sayError(source, format, {source.lineCounter, limit});
   return kContextOnly;
 }
 
@@ -76,7 +79,7 @@ ErrorCode gatherName(SourceReader &source, Definition &definition, bool overLine
         return kOutOfMemory;
       }
       if (definition.used - begin == kNameLimit) {
-        return tooLong(source, "name", kNameLimit);
+        return tooLong(source, kNameTooLong, kNameLimit);
       }
     }
     if (!overLines || current(source) != '\0') {
@@ -117,7 +120,7 @@ ErrorCode appendToBody(SourceReader &source, Definition &definition, std::size_t
       return kOutOfMemory;
     }
     if (definition.used - begin == kBodyLimit) {
-      return tooLong(source, "body", kBodyLimit);
+      return tooLong(source, kBodyTooLong, kBodyLimit);
     }
   }
   return kOk;

@@ -26,8 +26,8 @@ def literal(text):
 
 
 def catalogue():
-    """The texts of src/driver/catalogue.cc: errors by number, warnings by number."""
-    source = (ROOT / "src/driver/catalogue.cc").read_text(encoding="utf-8")
+    """The texts of src/base/catalogue.cc: errors by number, warnings by number."""
+    source = (ROOT / "src/base/catalogue.cc").read_text(encoding="utf-8")
     rows = re.findall(r"\{(\d+),\s*((?:" + STRING + r"\s*)+)\}", source)
     table = re.search(r"kWarnings\[\] = \{(.*?)\};", source, re.DOTALL).group(1)
     cells = re.findall(STRING + "|kUnspecifiedWarning", table)

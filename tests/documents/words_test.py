@@ -54,7 +54,7 @@ class WordsTest(unittest.TestCase):
         self.assertEqual(written, names)
 
     def test_statements(self):
-        names = re.search(r"kStatementNames\[\] = \{(.*?)\}", source("reader/scanner.cc")).group(1)
+        names = re.search(r"kStatementNames\[\] = \{(.*?)\}", source("global/scanner.cc")).group(1)
         expected = set(re.findall(r'"(\w\w)"', names)) - {"pf"}  # known there only to be refused
         expected |= {">", "#define", "#undef", "#const", "#if", "#endif", "#include"}
         self.assertEqual(set(words_of("statements")), expected)
@@ -79,7 +79,7 @@ class WordsTest(unittest.TestCase):
         self.assertEqual(words_of("operators"), in_equations)
 
     def test_options(self):
-        letters = found("driver/options.cc", r"case '(\w)':")
+        letters = found("program/arguments.cc", r"case '(\w)':")
         self.assertEqual(sorted(words_of("options")), sorted("-" + letter for letter in letters))
 
     def test_every_word_is_complete(self):

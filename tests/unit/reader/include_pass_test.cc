@@ -69,7 +69,8 @@ Spliced spliceParts(StringInput text, const Texts &texts) {
   Host host{
       &memory, MemoryHost::openInclude, MemoryHost::closeInclude, MemoryHost::writeText, nullptr,
       nullptr};
-  spliced.result = include_pass(*piece.source.messages, host, text.input());
+  spliced.result =
+      include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map);
   spliced.messages = piece.messages();
   EXPECT_EQ(spliced.opened, spliced.closed);
   return spliced;
@@ -264,7 +265,8 @@ TEST(IncludePass, WithoutAnOpenerNothingCanBeIncluded) {
   StringInput text{"a#include |b|"};
   Host host;
   host.writeText = [](void *, const char *, std::size_t) { return true; };
-  EXPECT_EQ(include_pass(*piece.source.messages, host, text.input()), 999);
+  EXPECT_EQ(include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map),
+            999);
   EXPECT_EQ(piece.messages(), "\nBad include file name: \"b\"\n\n");
 }
 
