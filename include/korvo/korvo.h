@@ -195,7 +195,8 @@ struct Result {
   std::vector<MessageData> messages;
 };
 
-// Runs the text of a piece. When memory is refused, `ok` is false and the message is error 32.
+// Runs the text of a piece. When memory is refused, `ok` is false and the message is error 32, or
+// 102 for a constant and 45 for a loop; none where there is no memory for that either.
 Result render(std::string_view text, const RenderOptions &options = {});
 
 // The text of error `number` (3 to 500); "Unspecified error..." for one that has none.

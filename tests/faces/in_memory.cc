@@ -9,9 +9,7 @@
 // over; otherwise the run ends with status 98.
 //
 //   in_memory [-s] [-t] [-m] [-l LOG] [-x EXPANSION] INPUT OUTPUT
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "faces/same.h"
 #include "korvo/korvo.h"
 #include "program/version.h"
 
@@ -220,41 +219,6 @@ Told performInMemory(const Arguments &arguments, const std::string &piece, const
 bool differ(const char *what) {
   std::fprintf(stderr, "in_memory: %s\n", what);
   return false;
-}
-
-bool same(const korvo::PlaceData &a, const korvo::PlaceData &b) {
-  return a.file == b.file && a.line == b.line && a.column == b.column && a.endColumn == b.endColumn;
-}
-
-bool same(const korvo::MessageData &a, const korvo::MessageData &b) {
-  return a.severity == b.severity && a.number == b.number && a.text == b.text &&
-         same(a.place, b.place) && same(a.body, b.body);
-}
-
-bool same(const korvo::Pfield &a, const korvo::Pfield &b) {
-  return a.number == b.number && std::strcmp(a.kind, b.kind) == 0 && a.decimals == b.decimals;
-}
-
-// Values are compared as bits: a piece can make one that is no number.
-bool same(const korvo::EventData &a, const korvo::EventData &b) {
-  return std::memcmp(&a.start, &b.start, sizeof a.start) == 0 &&
-         std::memcmp(&a.duration, &b.duration, sizeof a.duration) == 0 &&
-         a.values.size() == b.values.size() &&
-         (a.values.empty() ||
-          std::memcmp(a.values.data(), b.values.data(), a.values.size() * sizeof(float)) == 0);
-}
-
-bool same(const korvo::BlockData &a, const korvo::BlockData &b);
-
-template <typename Item>
-bool same(const std::vector<Item> &a, const std::vector<Item> &b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](const Item &x, const Item &y) { return same(x, y); });
-}
-
-bool same(const korvo::BlockData &a, const korvo::BlockData &b) {
-  return a.number == b.number && a.instrument == b.instrument && same(a.pfields, b.pfields) &&
-         same(a.events, b.events);
 }
 
 bool agree(const Told &told, const korvo::Result &result) {
