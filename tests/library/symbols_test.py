@@ -19,7 +19,7 @@ MAY_CALL = {
     "bytes": r"(__)?mem(chr|cmp|cpy|move|set)(_chk)?|(__)?str(chr|cmp|cspn|len|ncmp|spn)(_chk)?",
     "arithmetic": r"exp|exp2|fmax|fmod|fmodf|ilogbf|ldexp|log|pow|sin",
     "numbers in decimal": r"std::(to|from)_chars\(.*\)",
-    "the clock, which rs(0) is seeded with": r"time",
+    "the clock, in place of a randomness that a system does not have": r"time",
     "randomness, which no text can know: the key of the names' hash": r"getentropy",
     "exceptions, which end in render()": r"__gxx_personality_v0|__cxa_(begin_catch|end_catch|rethrow)"
     r"|_Unwind_Resume|std::__throw_\w+\(.*\)",
