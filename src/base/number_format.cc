@@ -22,7 +22,7 @@ constexpr double kWholeFrom = 4503599627370496.0;
 
 using Wide = unsigned __int128;
 
-constexpr int kQuickRoom = 24;  // 16 digits, the point and the sign
+constexpr int kQuickRoom = 24;  // 20 digits, the point and the sign
 
 // Moves the text at `begin`, `length` characters long, to the right until it ends at column
 // `width`.
@@ -70,30 +70,24 @@ char *writePointed(char *out, bool negative, std::uint64_t scaled, int width, in
   return out + (end - begin);
 }
 
-// The digits of a number of up to 128 bits, pointed.
+// The same for a number of more than 64 bits.
 char *writeWide(char *out, bool negative, Wide scaled, int width, int decimals) {
-  constexpr std::uint64_t kHalf = 10000000000000000U;  // 16 digits
-  constexpr int kHalfDigits = 16;
-  auto low = static_cast<std::uint64_t>(scaled % kHalf);
-  auto high = static_cast<std::uint64_t>(scaled / kHalf);
-  if (high == 0) {
-    return writePointed(out, negative, low, width, decimals);
+  constexpr int kWideRoom = 48;  // 39 digits, the point and the sign
+  char text[kWideRoom];
+  char *const end = text + kWideRoom;
+  char *begin = end;
+  for (int digits = 0; scaled > 0; ++digits) {
+    if (digits == decimals && decimals > 0) {
+      *--begin = '.';
+    }
+    *--begin = static_cast<char>('0' + static_cast<int>(scaled % 10));
+    scaled /= 10;
   }
-  char text[2 * kQuickRoom];
-  char *end = writePointed(text, negative, high, 0, 0);
-  std::ptrdiff_t whole = end - text + kHalfDigits - decimals;  // characters before the point
-  for (int i = kHalfDigits - 1; i >= 0; --i) {
-    end[i] = static_cast<char>('0' + low % 10);
-    low /= 10;
+  if (negative) {
+    *--begin = '-';
   }
-  end += kHalfDigits;
-  if (decimals > 0) {
-    std::memmove(text + whole + 1, text + whole, static_cast<std::size_t>(decimals));
-    text[whole] = '.';
-    ++end;
-  }
-  std::memcpy(out, text, static_cast<std::size_t>(end - text));
-  return alignRight(out, static_cast<int>(end - text), width);
+  std::memcpy(out, begin, static_cast<std::size_t>(end - begin));
+  return alignRight(out, static_cast<int>(end - begin), width);
 }
 
 // A whole number shifted to the right and rounded, ties to even.
@@ -146,25 +140,45 @@ char *writeWhole(char *out, bool negative, std::uint64_t number, int power, int 
   return alignRight(out, static_cast<int>(end - out), width);
 }
 
-// Any finite number from its bits.
-char *writeAny(char *out, bool negative, double magnitude, int width, int decimals) {
+// A finite number, taken apart into a whole one of 53 bits and a power of two.
+struct Parts {
+  std::uint64_t mantissa;
+  int power;
+};
+
+Parts takeApart(double magnitude) {
   constexpr int kMantissaBits = 53;
-  constexpr int kWideBits = 128;
   int exponent = 0;
   double fraction = std::frexp(magnitude, &exponent);
-  auto mantissa = static_cast<std::uint64_t>(std::ldexp(fraction, kMantissaBits));
-  int power = exponent - kMantissaBits;
-  if (power > 0) {
-    return writeWhole(out, negative, mantissa, power, width, decimals);
-  }
-  Wide scaled = mantissa;
+  return {static_cast<std::uint64_t>(std::ldexp(fraction, kMantissaBits)),
+          exponent - kMantissaBits};
+}
+
+// The number times the power of ten, rounded; its power of two is not above 0.
+Wide scaleAndRound(const Parts &parts, int decimals) {
+  constexpr int kWideBits = 128;
+  Wide scaled = parts.mantissa;
   for (int i = 0; i < decimals; ++i) {
     scaled *= 10;
   }
-  if (power < 0) {
-    scaled = power > -kWideBits ? shiftAndRound(scaled, -power) : 0;
+  if (parts.power == 0) {
+    return scaled;
   }
-  return writeWide(out, negative, scaled, width, decimals);
+  return parts.power > -kWideBits ? shiftAndRound(scaled, -parts.power) : 0;
+}
+
+// Whether a number is a single-precision one that a double holds exactly when it has been scaled.
+bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
+  bool isSingle = static_cast<double>(static_cast<float>(magnitude)) == magnitude;
+  if (!isSingle || decimals > kMostQuickDecimals) {
+    return false;
+  }
+  double product = magnitude * kPowersOfTen[decimals];
+  if (!(product < kWholeFrom)) {
+    return false;
+  }
+  scaled = static_cast<std::uint64_t>((product + kWholeFrom) - kWholeFrom);
+  return true;
 }
 
 }  // namespace
@@ -175,15 +189,19 @@ char *writeFixed(char *out, double value, int width, int decimals) {
     return writeWord(out, negative, std::isnan(value) ? "nan" : "inf", width);
   }
   double magnitude = std::fabs(value);
-  bool isSingle = static_cast<double>(static_cast<float>(magnitude)) == magnitude;
-  if (isSingle && decimals <= kMostQuickDecimals) {
-    double scaled = magnitude * kPowersOfTen[decimals];
-    if (scaled < kWholeFrom) {
-      double rounded = (scaled + kWholeFrom) - kWholeFrom;
-      return writePointed(out, negative, static_cast<std::uint64_t>(rounded), width, decimals);
+  std::uint64_t scaled = 0;
+  if (!scaleQuickly(magnitude, decimals, scaled)) {
+    Parts parts = takeApart(magnitude);
+    if (parts.power > 0) {
+      return writeWhole(out, negative, parts.mantissa, parts.power, width, decimals);
+    }
+    Wide wide = scaleAndRound(parts, decimals);
+    scaled = static_cast<std::uint64_t>(wide);
+    if (scaled != wide) {
+      return writeWide(out, negative, wide, width, decimals);
     }
   }
-  return writeAny(out, negative, magnitude, width, decimals);
+  return writePointed(out, negative, scaled, width, decimals);
 }
 
 char *writeInteger(char *out, std::int64_t value, int width) {

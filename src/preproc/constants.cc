@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "base/arithmetic.h"
-#include "base/number_format.h"
 #include "base/characters.h"
+#include "base/number_format.h"
 #include "base/numbers.h"
 #include "preproc/equation.h"
 #include "preproc/line_edit.h"

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::size_t kLargePiece = 1 << 16;  // one that goes straight into the file
+
 // Cuts the older text away. A file that cannot be cut is one that cannot be written.
 void begin(WrittenFile &file) {
   if (!file.begun) {
@@ -32,7 +34,7 @@ void writeBytes(WrittenFile &file, const char *bytes, std::size_t length) {
     put(file, file.bytes, file.used);
     file.used = 0;
   }
-  if (length >= sizeof file.bytes) {
+  if (length >= kLargePiece && file.used == 0) {
     put(file, bytes, length);
     return;
   }
