@@ -110,9 +110,8 @@ ErrorCode fillEvents(Generation &making, SourceReader &source, const Generator &
   Extent extent = measureExtent(making, source);
   Moment moment;
   moment.count = extent.count;
-  moment.length =
-      extent.lastBeat +
-      extent.firstBeat;  // the sum is what a "*" curve runs over, wherever the call begins
+  // The sum is what a "*" curve runs over, wherever the call begins.
+  moment.length = extent.lastBeat + extent.firstBeat;
   for (; moment.index < moment.count; ++moment.index) {
     if (blockIsFull(making)) {
       truncateData(making, source);

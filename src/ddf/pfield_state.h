@@ -32,9 +32,9 @@ struct PfieldState {
   std::int64_t filled = 0;          // events that have got a value
   std::uint32_t cursor = kNoEvent;  // the event filled last
   bool dataSeen = false;            // a value has reached an event
-  bool blockEnd =
-      false;            // a value came when the block was full: the rest of the p-field is skipped
-  bool marked = false;  // ":" or "'" has been read, which may stand once in a p-field
+  // A value came when the block was full: the rest of the p-field is skipped.
+  bool blockEnd = false;
+  bool marked = false;                // ":" or "'" has been read, which may stand once in a p-field
   bool insertRequest = false;         // the next value starts together with the event before it
   std::uint32_t inserted = kNoEvent;  // the copy that was made last for a ":" of this p-field
   bool looping = false;               // between "<" and ">"
