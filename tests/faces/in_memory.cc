@@ -9,13 +9,17 @@
 // over; otherwise the run ends with status 98.
 //
 //   in_memory [-s] [-t] [-m] [-l LOG] [-x EXPANSION] INPUT OUTPUT
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "faces/same.h"
@@ -105,10 +109,37 @@ struct Told {
   std::string score, expanded, standardOutput, standardError;
   std::vector<korvo::BlockData> blocks;
   std::vector<korvo::MessageData> messages;
+  std::vector<std::string> words;  // of each message, over its caret; empty without a caret
 };
 
 korvo::PlaceData copyOf(const korvo::Place &place) {
   return {std::string(place.file), place.line, place.column, place.endColumn};
+}
+
+bool isWordPart(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || std::strchr("_+-.~@$#", c) != nullptr;
+}
+
+// The word that ends over the caret; else the character there, or at a blank the one before it. A
+// message that shows its line ends with it and with the line of the caret.
+std::string wordOverCaret(std::string_view printed) {
+  std::size_t caretEnd = printed.size() - 2;
+  if (printed.size() < 3 || printed.substr(caretEnd) != "^\n") {
+    return {};
+  }
+  std::size_t lineEnd = printed.rfind('\n', caretEnd);
+  std::size_t lineBegin = printed.rfind('\n', lineEnd - 1) + 1;
+  std::string_view line = printed.substr(lineBegin, lineEnd - lineBegin);
+  std::size_t caret = caretEnd - lineEnd - 1;
+  std::size_t begin = caret;
+  while (begin > 0 && isWordPart(line[begin - 1])) {
+    --begin;
+  }
+  if (begin < caret) {
+    return std::string(line.substr(begin, caret - begin));
+  }
+  bool blank = caret > 0 && std::isspace(static_cast<unsigned char>(line[caret])) != 0;
+  return std::string(line.substr(blank ? caret - 1 : caret, 1));
 }
 
 void tellMessage(void *context, const korvo::Message &message) {
@@ -117,6 +148,7 @@ void tellMessage(void *context, const korvo::Message &message) {
   if (!message.onStandardOutput && !message.text.empty()) {
     told->messages.push_back({message.severity, message.number, std::string(message.text),
                               copyOf(message.place), copyOf(message.body)});
+    told->words.push_back(wordOverCaret(message.printed));
   }
 }
 
@@ -250,23 +282,48 @@ bool liesIn(const std::string &text, const korvo::PlaceData &place) {
          static_cast<std::size_t>(place.endColumn) <= *length + 2;
 }
 
+// What stands at a place, as a line shows it.
+std::string textAt(const std::string &text, const korvo::PlaceData &place) {
+  std::size_t begin = 0;
+  for (std::int64_t line = place.line; line > 1; --line) {
+    begin = text.find('\n', begin) + 1;
+  }
+  auto column = static_cast<std::size_t>(place.column - 1);
+  std::string found =
+      text.substr(begin + column, static_cast<std::size_t>(place.endColumn - place.column));
+  for (char &c : found) {
+    c = c == '\n' || c == '\r' || c == '\xff' ? ' ' : c;
+  }
+  return found;
+}
+
 bool isPlaced(const Texts &texts, const korvo::PlaceData &place) {
   if (place.line == 0) {
     return place.file.empty();
   }
   const std::string *text = textOf(texts, place.file);
-  if (text != nullptr && liesIn(*text, place)) {
-    return true;
-  }
-  std::fprintf(stderr, "in_memory: no such place: %s:%lld:%d-%d\n", place.file.c_str(),
-               static_cast<long long>(place.line), place.column, place.endColumn);
-  return false;
+  return text != nullptr && liesIn(*text, place);
 }
 
-bool arePlaced(const Texts &texts, const std::vector<korvo::MessageData> &messages) {
-  for (const korvo::MessageData &message : messages) {
+// In text that nothing has replaced the word stands at its place.
+bool holdsWord(const Texts &texts, const korvo::MessageData &message, const std::string &word) {
+  if (word.empty() || message.place.line == 0) {
+    return true;
+  }
+  std::string found = textAt(*textOf(texts, message.place.file), message.place);
+  return found == word || found.find_first_of("$~") != std::string::npos;
+}
+
+bool arePlaced(const Texts &texts, const Told &told) {
+  for (std::size_t i = 0; i < told.messages.size(); ++i) {
+    const korvo::MessageData &message = told.messages[i];
     if (!isPlaced(texts, message.place) || !isPlaced(texts, message.body) ||
-        (message.place.line == 0 && message.body.line > 0)) {
+        (message.place.line == 0 && (message.body.line > 0 || !told.words[i].empty())) ||
+        !holdsWord(texts, message, told.words[i])) {
+      std::fprintf(stderr, "in_memory: no such place: %s:%lld:%d-%d of \"%s\" (%s)\n",
+                   message.place.file.c_str(), static_cast<long long>(message.place.line),
+                   message.place.column, message.place.endColumn, told.words[i].c_str(),
+                   message.text.c_str());
       return false;
     }
   }
@@ -315,8 +372,7 @@ int runInMemory(Arguments &arguments) {
     const std::string *text = textOf(texts, name);
     return text == nullptr ? std::nullopt : std::optional(*text);
   };
-  bool right =
-      agree(told, korvo::render(*piece, arguments.options)) && arePlaced(texts, told.messages);
+  bool right = agree(told, korvo::render(*piece, arguments.options)) && arePlaced(texts, told);
   write(arguments, told);
   if (!right) {
     return kFacesDiffer;
