@@ -30,7 +30,9 @@ enum class Severity {
 };
 
 // A range of a text as the composer sees it. Lines and columns begin with 1; a column is a byte of
-// the line. The range ends before `endColumn`. Line 0: no place.
+// the line. The range ends before `endColumn`. Line 0: no place; so it is for a message about the
+// whole, and in text that was made to have no end of places (65,536 stretches of files, 8,192
+// replacements in a line).
 struct Place {
   std::string_view file;  // the name by which the text was handed over or included
   std::int64_t line = 0;
@@ -86,8 +88,8 @@ struct Progress {
   std::uint64_t steps = 0;  // values and lines of the block so far
 };
 
-// Who is told what comes, as it comes. A function that is null is not called; `context` goes to all
-// of them. What they are handed is valid until they return.
+// Who is told what comes, as it comes. A function that is null is not called, and none may throw;
+// `context` goes to all of them. What they are handed is valid until they return.
 struct Listener {
   void *context = nullptr;
   void (*message)(void *context, const Message &message) = nullptr;
@@ -108,7 +110,8 @@ struct Options {
   bool places = false;        // messages tell where in the composer's text they belong
 };
 
-// A text that is read from its beginning to its end.
+// A text that is read from its beginning to its end. `read` has to be there; it may be called again
+// after it has returned 0 or -1.
 struct TextInput {
   void *context = nullptr;
   // Puts at most `size` bytes at `bytes`. Returns how many; 0 at the end of the text, -1 when it
@@ -116,16 +119,17 @@ struct TextInput {
   std::ptrdiff_t (*read)(void *context, char *bytes, std::size_t size) = nullptr;
 };
 
-// What the caller lends. All includes are read before the first block; the whole text waits
+// What the caller lends; none of its functions may throw. All includes are read before the first
+// block; the whole text waits
 // meanwhile where the host says: in memory, in a file.
 struct Host {
   void *context = nullptr;
   // Opens the include called `name` (exactly as it is written); false when there is none. Null: no
   // includes.
   bool (*openInclude)(void *context, const char *name, TextInput &input) = nullptr;
-  void (*closeInclude)(void *context, TextInput &input) = nullptr;
-  // Takes a piece of the whole text; false when it cannot be kept. What was refused once is told by
-  // `rewindText`, too.
+  void (*closeInclude)(void *context, TextInput &input) = nullptr;  // null: nothing is to be closed
+  // These three have to be there. Takes a piece of the whole text; false when it cannot be kept,
+  // which ends the run with error 9.
   bool (*writeText)(void *context, const char *bytes, std::size_t size) = nullptr;
   bool (*rewindText)(void *context) = nullptr;
   // As TextInput::read.
@@ -139,11 +143,15 @@ struct Run;
 
 // Null when there is no memory for it.
 Run *newRun();
+
+// Gives the memory back; null is fine.
 void freeRun(Run *run);
 
 // Runs the piece that `input` gives and that messages call `name`. True when it was complete, false
 // when an error, which the listener has been told, has ended it. What was made before the error has
-// been handed over. A Run serves one piece.
+// been handed over. `name` and the host have to last as long as the call. A Run serves one piece.
+// Any
+// error of docs/messages.md may come, those without a number (0) too.
 bool perform(Run &run, const Options &options, const char *name, TextInput input, const Host &host,
              const Listener &listener);
 
@@ -199,7 +207,7 @@ struct Result {
 // 102 for a constant and 45 for a loop; none where there is no memory for that either.
 Result render(std::string_view text, const RenderOptions &options = {});
 
-// The text of error `number` (3 to 500); "Unspecified error..." for one that has none.
+// The text of error `number` (3 to 500), for ever; "Unspecified error..." for one that has none.
 const char *errorText(int number);
 
 // The text of warning `number` (1 to 35).

@@ -1,7 +1,7 @@
 // The numbers of everything that can go wrong. Every parsing and generating step returns an
 // ErrorCode: kOk, kEndOfInput (the input ended while a line was wanted, which is no error by
-// itself), or a positive number whose text stands in catalogue.cc. The numbers are printed nowhere
-// but are kept, since documentation and tests name errors by them.
+// itself), or a positive number whose text stands in catalogue.cc. The numbers are not
+// printed, but listeners are told them, and documents and tests name errors by them.
 #pragma once
 
 namespace korvo {

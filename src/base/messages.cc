@@ -72,6 +72,17 @@ void compose(Messages &messages, const char *format,
   }
 }
 
+std::string_view withoutLead(std::string_view text) {
+  constexpr std::string_view kError = "ERROR: ";
+  constexpr std::string_view kLine = "Line ";
+  text = trimmed(text);
+  text.remove_prefix(text.starts_with(kError) ? kError.size() : 0);
+  if (text.starts_with(kLine)) {
+    text.remove_prefix(text.find(": ") + 2);
+  }
+  return text;
+}
+
 void tell(Messages &messages, Message message) {
   message.printed = {messages.text, messages.used};
   messages.printed += static_cast<std::int64_t>(messages.used);

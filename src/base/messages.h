@@ -56,6 +56,9 @@ void composeBytes(Messages &messages, std::string_view bytes);
 // the text is what is printed, less the line ends and blanks around it.
 void tell(Messages &messages, Message message);
 
+// The text of an error without "ERROR:", line number and line ends around it.
+std::string_view withoutLead(std::string_view text);
+
 // A note: composed and told.
 void say(Messages &messages, const char *format,
          std::initializer_list<MessageArgument> arguments = {});

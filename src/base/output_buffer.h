@@ -19,7 +19,7 @@ struct OutputBuffer {
 char *room(OutputBuffer &buffer, std::size_t length);
 void taken(OutputBuffer &buffer, const char *end);
 
-// Appends `length` bytes (at most kLineBytes of a line; no more than the buffer holds).
+// Appends `length` bytes, no more than the buffer holds.
 void append(OutputBuffer &buffer, const char *bytes, std::size_t length);
 
 // Hands over what is gathered.

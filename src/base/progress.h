@@ -1,4 +1,4 @@
-// A sign of life during large work: now and then the listener is told how far a block is.
+// A sign of life during large work: when it is time to tell the listener how far a block is.
 #pragma once
 
 #include <cstdint>

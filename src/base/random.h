@@ -16,7 +16,7 @@ struct Random {
   std::uint32_t next = kBehind;
 };
 
-// Begins the sequence of a seed; 0 is the same as 1.
+// Begins the sequence of a seed (below 2147483648); 0 is the same as 1.
 void seedRandom(Random &random, std::uint32_t seed);
 
 // Makes the next 31 numbers.

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "base/messages.h"
-#include "base/progress.h"
 #include "ddf/block_state.h"
 #include "ddf/event_list.h"
 #include "ddf/pfield_state.h"

@@ -17,7 +17,7 @@ namespace {
 
 constexpr float kLoudest = 96.0F;  // decibels
 constexpr int kHighestOctave = 9;
-constexpr float kRest = -1.0F;
+constexpr float kRest = -1.0F;    // below 0, which value_steps.cc takes for a rest
 constexpr float kOctave = 12.0F;  // semitones
 
 bool isSign(char c) { return c == '+' || c == '-'; }

@@ -11,8 +11,8 @@ struct Generation;
 
 struct InputMode {
   CommandCode code;
-  bool (*mayBegin)(
-      char c);  // whether a value in the text of a p-field may begin with this character
+  // Whether a value in the text of a p-field may begin with this character.
+  bool (*mayBegin)(char c);
   bool (*read)(Generation &making, const char *text, std::int32_t &position, float &value);
   bool forStarts;     // allowed in P2
   bool forDurations;  // allowed in P3

@@ -1,4 +1,5 @@
-// Following a curve through the events of a call.
+// Following a curve through the events of a call: the curves of MO and MS, those with a "*" too.
+// What a "*" curve runs over is measured in call.cc.
 #pragma once
 
 #include "ddf/generator.h"

@@ -9,6 +9,7 @@
 
 #include "base/arithmetic.h"
 #include "base/number_format.h"
+#include "base/progress.h"
 #include "base/random.h"
 #include "ddf/generation.h"
 #include "preproc/source_reader.h"

@@ -19,10 +19,12 @@ namespace {
 
 // Joins the input with its includes and goes on reading from where the host has kept it.
 ErrorCode readIncludes(Run &run, const char *name, TextInput input, const Host &host) {
-  if (include_pass(run.messages, host, name, input, run.source.map) > 0) {
+  ErrorCode error =
+      include_pass(run.messages, host, name, input, run.source.map, run.source.wantsPlaces);
+  if (error > 0 && error != kTemporaryFileLost) {
     return kAlreadyReported;
   }
-  if (!host.rewindText(host.context)) {
+  if (error > 0 || !host.rewindText(host.context)) {
     return kTemporaryFileLost;
   }
   run.source.input.text = {host.context, host.readText};

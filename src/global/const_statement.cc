@@ -60,7 +60,9 @@ ErrorCode ConstStatement(SourceReader &source) {
   if (!isLetter(current(source))) {
     return kConstantNeedsLetter;
   }
-  Spot spot = spotOf(source.map, source.origin, source.replacements, source.position);
+  Spot spot = isPlain(source.map, source.origin, source.replacements)
+                  ? spotOf(source.map, source.origin, source.replacements, source.position)
+                  : Spot{};
   char name[kLineBytes];  // the line may be read over before the name is needed
   std::size_t length = takeName(source.line, source.position).copy(name, kMaxLineLength);
   RETURN_IF_ERROR(skip_blanks(source));

@@ -37,7 +37,8 @@ struct Definition {
   std::size_t nameEnd = 0;
   std::size_t paramEnds[kMaxMacroParameters] = {};
   int argc = 0;
-  Spot bodySpot;
+  Spot bodySpot;                  // line 0: it is not known
+  std::int64_t bodyLineEnds = 0;  // in it so far
 };
 
 bool appendCharacter(Definition &definition, char c) {
@@ -142,9 +143,25 @@ int stepInBody(const char *text, CommentState &comment) {
   return 1;
 }
 
+// Where the body begins; nowhere when its first line does not stand in the file as it is.
+Spot spotOfBody(const SourceReader &source) {
+  return isPlain(source.map, source.origin, source.replacements)
+             ? spotOf(source.map, source.origin, source.replacements, source.position)
+             : Spot{};
+}
+
+// Whether the line just read goes on in the file where the body so far has ended: no include, no
+// section and no overlong line lies between, so that a character of the body can be found again.
+bool goesOn(const SourceReader &source, const Definition &definition) {
+  const Spot &spot = source.origin.spot;
+  return isPlain(source.map, source.origin, source.replacements) &&
+         spot.file == definition.bodySpot.file && spot.column == 1 &&
+         spot.line == definition.bodySpot.line + definition.bodyLineEnds;
+}
+
 // The body between its marks. Comments stay in it, and a "#" in a comment does not end it.
 ErrorCode gatherBody(SourceReader &source, Definition &definition) {
-  definition.bodySpot = spotOf(source.map, source.origin, source.replacements, source.position);
+  definition.bodySpot = spotOfBody(source);
   std::size_t begin = definition.used;
   CommentState comment = kNoComment;
   while (comment != kNoComment || current(source) != '#') {
@@ -164,6 +181,10 @@ ErrorCode gatherBody(SourceReader &source, Definition &definition) {
       return error == kEndOfInput ? kMissingMacroBodyEnd : error;
     }
     comment = comment == kLineComment ? kNoComment : comment;
+    ++definition.bodyLineEnds;
+    if (!goesOn(source, definition)) {
+      definition.bodySpot = Spot{};
+    }
   }
   ++source.position;
   return kOk;

@@ -137,7 +137,10 @@ void tellConflicts(const TempoMap &map, Messages &messages) {
   float previousEnd = 0.0F;
   for (int i = 0; i < map.count; ++i) {
     if (previousEnd > map.defs[i].startTime) {
-      say(messages, "\nWARNING: Tempo #%d conflicts with previous tempo's end time!", {i + 1});
+      compose(messages, "\nWARNING: Tempo #%d conflicts with previous tempo's end time!", {i + 1});
+      Message message;
+      message.severity = Severity::kWarning;
+      tell(messages, message);
     }
     previousEnd = map.defs[i].endTime;
   }

@@ -1,5 +1,5 @@
 // Text comes in through the parser, the finished events go out through a writer, and what the block
-// came to is told and added to the making.
+// came to is told and added to the run.
 #include "iblock/block_driver.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "base/arithmetic.h"
 #include "base/number_format.h"
 #include "base/output_buffer.h"
+#include "base/progress.h"
 #include "ddf/generation.h"
 #include "output/output_kinds.h"
 

@@ -7,7 +7,6 @@
 #include "base/arithmetic.h"
 #include "base/characters.h"
 #include "base/number_format.h"
-#include "base/numbers.h"
 #include "preproc/equation.h"
 #include "preproc/line_edit.h"
 #include "preproc/macro_call.h"

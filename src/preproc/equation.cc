@@ -44,7 +44,7 @@ ErrorCode addOperator(Equation &equation, char sign) {
 }
 
 // "?": a whole number of 32767ths, in single precision.
-double drawRandomTerm(const SourceReader &source) {
+double drawRandomTerm(SourceReader &source) {
   float value = static_cast<float>(drawIndex(*source.random, 32767)) / 32767.0F;
   if (!source.messages->silent) {
     say(*source.messages, "\n\tLine %d: '?' evaluated at = %f", {source.lineCounter, value});

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 namespace korvo {
 
@@ -27,6 +28,12 @@ bool makeRoom(Item *&items, std::uint32_t count, std::uint32_t &capacity, std::u
   items = static_cast<Item *>(memory);
   capacity = larger;
   return true;
+}
+
+// The column that lies so many bytes behind another; of a line of gigabytes the last that there is.
+std::int32_t behind(std::int32_t column, std::int64_t bytes) {
+  return static_cast<std::int32_t>(
+      std::min<std::int64_t>(column + bytes, std::numeric_limits<std::int32_t>::max() - 1));
 }
 
 struct Range {
@@ -108,11 +115,11 @@ Spot spotInLine(const SourceMap &map, const LineOrigin &line, std::int32_t posit
   std::uint32_t stretch = stretchAt(map, line.stretch, byte);
   if (stretch == line.stretch) {
     Spot spot = line.spot;
-    spot.column += position;
+    spot.column = behind(spot.column, position);
     return spot;
   }
   Spot spot = map.stretches[stretch].spot;
-  spot.column += static_cast<std::int32_t>(byte - map.stretches[stretch].begin);
+  spot.column = behind(spot.column, byte - map.stretches[stretch].begin);
   return spot;
 }
 
@@ -134,6 +141,10 @@ void undoAll(const SourceMap &map, const ReplacementList &list, Range &range, Pl
 }  // namespace
 
 int addFile(SourceMap &map, const char *name) {
+  if (map.fileCount == 0) {
+    map.mainName = name;
+    return map.fileCount++;
+  }
   std::size_t length = std::min(std::strlen(name), sizeof map.names[0] - 1);
   std::memcpy(map.names[map.fileCount], name, length);
   map.names[map.fileCount][length] = '\0';
@@ -167,7 +178,7 @@ void nextLine(LineOrigin &origin, const SourceMap &map, std::int64_t length, boo
       ++origin.spot.line;
       origin.spot.column = 1;
     } else {
-      origin.spot.column += static_cast<std::int32_t>(passed);
+      origin.spot.column = behind(origin.spot.column, passed);
     }
     origin.stretch = stretch;
     origin.begin = begin;
@@ -196,7 +207,14 @@ void freeReplacements(ReplacementList &list) {
 }
 
 Place placeAt(const SourceMap &map, const Spot &spot, std::int32_t width) {
-  return {map.names[spot.file], spot.line, spot.column, spot.column + width};
+  const char *name = spot.file == 0 ? map.mainName : map.names[spot.file];
+  return {name, spot.line, spot.column, behind(spot.column, width)};
+}
+
+bool isPlain(const SourceMap &map, const LineOrigin &line, const ReplacementList &replacements) {
+  std::int64_t last = line.begin + line.length - 1;
+  return replacements.count == 0 && line.spot.line > 0 &&
+         stretchAt(map, line.stretch, last) == line.stretch;
 }
 
 Origin originOf(const SourceMap &map, const LineOrigin &line, const ReplacementList &replacements,

@@ -13,8 +13,8 @@
 
 namespace korvo {
 
-inline constexpr int kMaxFiles = 12;  // texts in a run, the main input included
-inline constexpr int kFileNameBytes = 256;
+inline constexpr int kMaxFiles = 12;        // texts in a run, the main input included
+inline constexpr int kFileNameBytes = 256;  // of an include
 // Stretches that are kept. A text that has more was made to have them.
 inline constexpr std::uint32_t kMaxStretches = 65536;
 // Replacements that are kept of a line.
@@ -34,7 +34,8 @@ struct Stretch {
 };
 
 struct SourceMap {
-  char names[kMaxFiles][kFileNameBytes] = {};
+  const char *mainName = "";                   // of the first text
+  char names[kMaxFiles][kFileNameBytes] = {};  // of the others
   int fileCount = 0;
   Stretch *stretches = nullptr;
   std::uint32_t count = 0;
@@ -42,7 +43,7 @@ struct SourceMap {
   bool complete = true;  // nothing had to be left out
 };
 
-// A file that takes part; its number. The name is cut to what there is room for.
+// A file that takes part; its number. The name of the first one has to last as long as the map.
 int addFile(SourceMap &map, const char *name);
 
 // From byte `begin` of the joined text on it is the text at `spot`.
@@ -92,6 +93,10 @@ void addReplacement(ReplacementList &list, const Replacement &replacement);
 // Forgets the definitions, one of which is about to go; the references stay known.
 void forgetBodies(ReplacementList &list);
 void freeReplacements(ReplacementList &list);
+
+// Whether the line stands in its file as it is: all of it in one stretch, nothing replaced. Of a
+// definition whose text is not made of such lines nobody could say where a character of it stands.
+bool isPlain(const SourceMap &map, const LineOrigin &line, const ReplacementList &replacements);
 
 // What a range of the present line comes from.
 struct Origin {

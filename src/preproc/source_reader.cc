@@ -112,16 +112,6 @@ Message messageAt(SourceReader &source, Severity severity, int number, std::stri
   return message;
 }
 
-// The text of an error without "ERROR:", line number and line ends around it.
-std::string_view withoutLead(std::string_view text) {
-  std::size_t lead = text.find("ERROR: ");
-  text.remove_prefix(lead == std::string_view::npos ? 0 : lead + 7);
-  if (text.substr(0, 5) == "Line ") {
-    text.remove_prefix(text.find(": ") + 2);
-  }
-  return text.substr(0, text.find_last_not_of('\n') + 1);
-}
-
 }  // namespace
 
 ErrorCode fetchLine(SourceReader &source) {

@@ -4,6 +4,7 @@
 #include "reader/include_pass.h"
 
 #include <cstring>
+#include <limits>
 
 #include "base/characters.h"
 
@@ -18,8 +19,10 @@ struct Pass {
   Messages &messages;
   const Host &host;
   SourceMap &map;
+  bool wantsPlaces;
   std::int64_t flushed = 0;  // bytes of the joined text that the host has
   std::size_t used = 0;      // and those that are gathered behind them
+  bool refused = false;      // the host could not keep all of it
   char bytes[1 << 14] = {};
 };
 
@@ -39,6 +42,13 @@ struct Level {
 
 ErrorCode copyText(Pass &pass, Level &level, TextInput input, const char *name);
 
+// Of a line of gigabytes the last column that there is.
+std::int32_t columnBehind(std::int32_t column, std::size_t bytes) {
+  constexpr std::int32_t kLast = std::numeric_limits<std::int32_t>::max() - 1;
+  auto left = static_cast<std::size_t>(kLast - column);
+  return bytes < left ? column + static_cast<std::int32_t>(bytes) : kLast;
+}
+
 // Where the next character stands. Lines are counted only when somebody asks, or when the
 // characters go.
 Spot spotOfNext(Level &level) {
@@ -46,7 +56,7 @@ Spot spotOfNext(Level &level) {
     const char *from = level.bytes + level.counted;
     const void *found = std::memchr(from, '\n', level.next - level.counted);
     if (found == nullptr) {
-      level.spot.column += static_cast<std::int32_t>(level.next - level.counted);
+      level.spot.column = columnBehind(level.spot.column, level.next - level.counted);
       level.counted = level.next;
     } else {
       level.counted += static_cast<std::size_t>(static_cast<const char *>(found) - from) + 1;
@@ -74,7 +84,7 @@ int take(Level &level) {
 }
 
 void flush(Pass &pass) {
-  pass.host.writeText(pass.host.context, pass.bytes, pass.used);
+  pass.refused = !pass.host.writeText(pass.host.context, pass.bytes, pass.used) || pass.refused;
   pass.flushed += static_cast<std::int64_t>(pass.used);
   pass.used = 0;
 }
@@ -101,7 +111,12 @@ ErrorCode fail(Pass &pass, Level &level, ErrorCode code, const char *format,
   compose(pass.messages, format, arguments);
   Message message;
   message.severity = Severity::kError;
-  message.place = placeAt(pass.map, spotOfNext(level), 1);
+  message.text = withoutLead({pass.messages.text, pass.messages.used});
+  if (pass.wantsPlaces) {
+    Spot spot = spotOfNext(level);  // what is wrong has just been read
+    spot.column -= spot.column > 1 ? 1 : 0;
+    message.place = placeAt(pass.map, spot, 1);
+  }
   tell(pass.messages, message);
   return code;
 }
@@ -136,6 +151,7 @@ ErrorCode readName(Pass &pass, Level &level, char *name, bool &openable) {
     }
   }
   *name = '\0';
+  openable = openable && !level.failed;  // the rest of the name could not be read
   return kOk;
 }
 
@@ -222,12 +238,12 @@ ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) 
 }  // namespace
 
 ErrorCode include_pass(Messages &messages, const Host &host, const char *name, TextInput input,
-                       SourceMap &map) {
-  Pass pass{messages, host, map};
+                       SourceMap &map, bool wantsPlaces) {
+  Pass pass{messages, host, map, wantsPlaces};
   Level nothing;
   RETURN_IF_ERROR(copyText(pass, nothing, input, name));
   flush(pass);
-  return kOk;
+  return pass.refused ? kTemporaryFileLost : kOk;
 }
 
 }  // namespace korvo

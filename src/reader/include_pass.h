@@ -10,10 +10,10 @@
 namespace korvo {
 
 // Copies `input`, which messages call `name`, to where the host keeps the joined text, and keeps in
-// `map` what comes from where. The pass never copies more than twelve
-// texts, the main input included. Prints its own messages; a positive result (1, or 999) means that
-// it has failed. What the host could not keep is not told here, but when it is asked to rewind.
+// `map` what comes from where. The pass never copies more than twelve texts, the main input
+// included. Prints its own messages, with their places if these are wanted: 1 and 999 mean that it
+// has failed. Error 9, which is still to be told: the host could not keep all of the text.
 ErrorCode include_pass(Messages &messages, const Host &host, const char *name, TextInput input,
-                       SourceMap &map);
+                       SourceMap &map, bool wantsPlaces);
 
 }  // namespace korvo

@@ -163,13 +163,32 @@ TEST(RenderIncludes, AreMissingWhenThereIsNoneAndWhenNobodyGivesThem) {
     EXPECT_FALSE(result.ok);
     EXPECT_EQ(result.score, "");
     EXPECT_EQ(textsOf(result, Severity::kError), Texts({"Bad include file name: \"part\""}));
-    // Told when the closing bar has been read: the character behind it.
+    // Told when the closing bar has been read.
     const PlaceData &place = result.messages.back().place;
     EXPECT_EQ(place.file, "piece");
     EXPECT_EQ(place.line, 2);
-    EXPECT_EQ(place.column, 17);
-    EXPECT_EQ(place.endColumn, 18);
+    EXPECT_EQ(place.column, 16);
+    EXPECT_EQ(place.endColumn, 17);
   }
+}
+
+// A body whose text does not stand in one piece in a file has a call, but no place of its own.
+TEST(RenderPlaces, BodiesThatAreNotOneRunOfLinesHaveNoPlace) {
+  RenderOptions options;
+  options.include = from({{"a", "1\n2\n3\nq\n"}});
+  const std::string block = "i1 = 4 0 -9 { p2 1 p3 1 p4 $m }\n";
+  std::string longLine(4200, ' ');
+  for (const std::string &text :
+       {"#define m #\n#include |a|\n#\n" + block, "#define m #" + longLine + "\nq#\n" + block,
+        "#define m #1\n#if(0)\n2\n#endif\nq#\n" + block}) {
+    Result result = korvo::render(text, options);
+    ASSERT_FALSE(result.ok) << text;
+    EXPECT_GT(result.messages.back().place.line, 1) << text;
+    EXPECT_EQ(result.messages.back().body.line, 0) << text;
+  }
+  Result plain = korvo::render("#define m #1\n2\n q#\n" + block, options);
+  EXPECT_EQ(plain.messages.back().body.line, 3);
+  EXPECT_EQ(plain.messages.back().body.column, 2);
 }
 
 TEST(RenderIncludes, ThatIncludeThemselvesEndTheRun) {

@@ -70,7 +70,7 @@ Spliced spliceParts(StringInput text, const Texts &texts) {
       &memory, MemoryHost::openInclude, MemoryHost::closeInclude, MemoryHost::writeText, nullptr,
       nullptr};
   spliced.result =
-      include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map);
+      include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map, true);
   spliced.messages = piece.messages();
   EXPECT_EQ(spliced.opened, spliced.closed);
   return spliced;
@@ -265,8 +265,9 @@ TEST(IncludePass, WithoutAnOpenerNothingCanBeIncluded) {
   StringInput text{"a#include |b|"};
   Host host;
   host.writeText = [](void *, const char *, std::size_t) { return true; };
-  EXPECT_EQ(include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map),
-            999);
+  EXPECT_EQ(
+      include_pass(*piece.source.messages, host, "piece", text.input(), piece.source.map, true),
+      999);
   EXPECT_EQ(piece.messages(), "\nBad include file name: \"b\"\n\n");
 }
 
