@@ -363,6 +363,10 @@ def selected(all_chapters, text):
     return {text} if text in names else {name for name in names if text in name}
 
 
+def memory_folder():
+    return MEMORY if os.access(MEMORY, os.W_OK) else None
+
+
 def environment_of_runs():
     environment = dict(os.environ)
     environment["LC_ALL"] = "C"
@@ -442,8 +446,7 @@ def main():
                 unpack(case, arguments.unpack)
         return 0
     environment = environment_of_runs()
-    place = MEMORY if os.access(MEMORY, os.W_OK) else None
-    with tempfile.TemporaryDirectory(prefix="korvo-runs-", dir=place) as folder:
+    with tempfile.TemporaryDirectory(prefix="korvo-runs-", dir=memory_folder()) as folder:
         place = Path(folder, "run")
         faults = sum(run_chapter(each, names, left_out, arguments, environment, place) for each in all_chapters)
     left_out &= names

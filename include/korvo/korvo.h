@@ -120,8 +120,7 @@ struct TextInput {
 };
 
 // What the caller lends; none of its functions may throw. All includes are read before the first
-// block; the whole text waits
-// meanwhile where the host says: in memory, in a file.
+// block; the whole text waits meanwhile where the host says: in memory, in a file.
 struct Host {
   void *context = nullptr;
   // Opens the include called `name` (exactly as it is written); false when there is none. Null: no
@@ -150,8 +149,7 @@ void freeRun(Run *run);
 // Runs the piece that `input` gives and that messages call `name`. True when it was complete, false
 // when an error, which the listener has been told, has ended it. What was made before the error has
 // been handed over. `name` and the host have to last as long as the call. A Run serves one piece.
-// Any
-// error of docs/messages.md may come, those without a number (0) too.
+// Any error of docs/messages.md may come, those without a number (0) too.
 bool perform(Run &run, const Options &options, const char *name, TextInput input, const Host &host,
              const Listener &listener);
 

@@ -1,6 +1,7 @@
 // The run sequence: the include pass, then the global area and the i-blocks in turn until the input
 // is used up. The first error ends the run; whatever has been made by then has been handed over.
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "ddf/loops.h"
@@ -102,7 +103,11 @@ void connect(Run &run, const Options &options, const Listener &listener) {
 
 }  // namespace
 
-Run *newRun() { return new (std::nothrow) Run; }
+// Not by `new`: without exceptions some C++ libraries end the program instead of giving null.
+Run *newRun() {
+  void *memory = std::malloc(sizeof(Run));
+  return memory == nullptr ? nullptr : new (memory) Run;
+}
 
 void freeRun(Run *run) {
   if (run != nullptr) {
@@ -113,7 +118,8 @@ void freeRun(Run *run) {
     freeConstants(run->source.constants);
     freeReplacements(run->source.replacements);
     freeSourceMap(run->source.map);
-    delete run;
+    run->~Run();
+    std::free(run);
   }
 }
 
