@@ -32,7 +32,7 @@ Why it is here.
 --- options -s -l 'run 1.log'
 --- piece
 i1 = 3 0 -1 {p2 1 p3 1} (no-eol)
---- file ' part 1'
+--- file ' tail 1'
 x\\x00\\t (esc)
 --- file old.sco
 --- status 1
@@ -154,7 +154,7 @@ class ChapterTest(unittest.TestCase):
         self.assertEqual(first.options, ["-s", "-l", "run 1.log"])
         self.assertIsNone(first.command)
         piece = b"i1 = 3 0 -1 {p2 1 p3 1}"
-        self.assertEqual(first.files, {"piece.txt": piece, " part 1": b"x\0\t\n", "old.sco": b""})
+        self.assertEqual(first.files, {"piece.txt": piece, " tail 1": b"x\0\t\n", "old.sco": b""})
         self.assertEqual(first.status, 1)
         self.assertEqual(first.expected, {"score": b"\ne\n", "stderr": b"no\n\n"})
         self.assertEqual(second.name, "second.case_2")
@@ -235,7 +235,7 @@ class ChapterTest(unittest.TestCase):
         self.assert_change_refused(b"'b c'", b"'b c", 22, "No closing quotation")
 
     def test_names_of_files(self):
-        self.assert_change_refused(b"old.sco", b"' part 1'", 12, 'a second file " part 1"')
+        self.assert_change_refused(b"old.sco", b"' tail 1'", 12, 'a second file " tail 1"')
         self.assert_change_refused(b"old.sco", b"two names", 12, "a file has one name")
         self.assert_change_refused(b" old.sco", b"", 12, "a file has one name")
         for name in ("/a", "../a", "a/../b", "a//b", "./a", "a/", ".", "piece.txt", "''"):
