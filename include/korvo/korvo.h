@@ -108,6 +108,9 @@ struct Options {
   bool silent = false;        // no warnings and no optional notes
   bool tempoVerbose = false;  // notes on tempo definitions and conversions
   bool places = false;        // messages tell where in the composer's text they belong
+  // Bytes that the caller has said before on behalf of the run, such as a banner; they count towards
+  // the three gigabytes that a run may say.
+  std::int64_t alreadySaid = 0;
 };
 
 // A text that is read from its beginning to its end. `read` has to be there; it may be called again

@@ -90,6 +90,7 @@ void connect(Run &run, const Options &options, const Listener &listener) {
   run.messages.listener = listener;
   run.messages.silent = options.silent;
   run.messages.tempoVerbose = options.tempoVerbose;
+  run.messages.printed = options.alreadySaid;
   run.output.listener = listener;
   run.source.messages = &run.messages;
   run.source.wantsPlaces = options.places;

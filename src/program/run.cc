@@ -234,6 +234,7 @@ bool performPiece(Program &program, korvo::Run &run) {
   options.midi = arguments.midi;
   options.silent = arguments.silent;
   options.tempoVerbose = arguments.tempoVerbose;
+  options.alreadySaid = program.screen.shown;
   korvo::Host host{&program, openInclude, closeInclude, writeText, rewindText, readText};
   korvo::Listener listener;
   listener.context = &program;

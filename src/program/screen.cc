@@ -23,6 +23,7 @@ void gather(Screen &screen, std::FILE *stream, const char *bytes, std::size_t le
     flushScreen(screen);
     screen.stream = stream;
   }
+  screen.shown += static_cast<std::int64_t>(length);
   while (length > 0) {
     if (screen.used == sizeof screen.bytes) {
       flushScreen(screen);

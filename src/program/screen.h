@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 #include "program/written_file.h"
@@ -18,6 +19,7 @@ struct Screen {
   // Where the gathered bytes belong: stderr or stdout; null when there are none.
   std::FILE *stream = nullptr;
   std::size_t used = 0;
+  std::int64_t shown = 0;   // bytes of all messages so far
   bool isTerminal = false;  // standard error is a terminal: every message is written at once
   bool lineShown = false;   // a passing line stands on the terminal
   char bytes[1 << 16];
