@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 
+#include "base/growing_array.h"
 #include "ddf/generation.h"
 #include "ddf/value_steps.h"
 
@@ -62,15 +63,8 @@ bool recordValue(PfieldState &pfield, float value) {
     return true;
   }
   LoopRecord &loop = pfield.loop;
-  if (loop.count == loop.capacity) {
-    std::uint32_t capacity = loop.capacity == 0 ? 64 : loop.capacity * 2;
-    void *entries =
-        std::realloc(loop.entries, sizeof(LoopEntry) * static_cast<std::size_t>(capacity));
-    if (entries == nullptr) {
-      return false;
-    }
-    loop.entries = static_cast<LoopEntry *>(entries);
-    loop.capacity = capacity;
+  if (!makeRoom(loop.entries, loop.capacity, loop.count + 1)) {
+    return false;
   }
   bool shared = pfield.cursor == pfield.inserted;
   loop.entries[loop.count++] = {value, shared};

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/growing_array.h"
+
 namespace korvo {
 
 namespace {
@@ -16,19 +18,7 @@ bool reserve(Pool<Item> &pool, std::uint32_t more) {
   if (more > kMaxPoolItems - pool.count) {
     return false;
   }
-  std::uint32_t needed = pool.count + more;
-  if (needed <= pool.capacity) {
-    return true;
-  }
-  std::uint32_t capacity = pool.capacity < 64 ? 64 : pool.capacity * 2;
-  capacity = capacity < needed ? needed : capacity;
-  void *items = std::realloc(pool.items, sizeof(Item) * static_cast<std::size_t>(capacity));
-  if (items == nullptr) {
-    return false;
-  }
-  pool.items = static_cast<Item *>(items);
-  pool.capacity = capacity;
-  return true;
+  return makeRoom(pool.items, pool.capacity, pool.count + more);
 }
 
 template <typename Item>

@@ -1,6 +1,5 @@
 // The run sequence: the include pass, then the global area and the i-blocks in turn until the input
 // is used up. The first error ends the run; whatever has been made by then has been handed over.
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 

@@ -7,28 +7,11 @@
 #include <cstring>
 #include <limits>
 
+#include "base/growing_array.h"
+
 namespace korvo {
 
 namespace {
-
-// Room for one more item; false when there is none.
-template <typename Item>
-bool makeRoom(Item *&items, std::uint32_t count, std::uint32_t &capacity, std::uint32_t most) {
-  if (count < capacity) {
-    return true;
-  }
-  if (count == most) {
-    return false;
-  }
-  std::uint32_t larger = std::min(most, std::max<std::uint32_t>(64, capacity * 2));
-  void *memory = std::realloc(static_cast<void *>(items), sizeof(Item) * larger);
-  if (memory == nullptr) {
-    return false;
-  }
-  items = static_cast<Item *>(memory);
-  capacity = larger;
-  return true;
-}
 
 // The column that lies so many bytes behind another; of a line of gigabytes the last that there is.
 std::int32_t behind(std::int32_t column, std::int64_t bytes) {
@@ -155,7 +138,8 @@ void beginStretch(SourceMap &map, std::int64_t begin, const Spot &spot) {
   if (map.count > 0 && map.stretches[map.count - 1].begin == begin) {
     --map.count;  // nothing of it has been copied
   }
-  map.complete = map.complete && makeRoom(map.stretches, map.count, map.capacity, kMaxStretches);
+  map.complete = map.complete && map.count < kMaxStretches &&
+                 makeRoom(map.stretches, map.capacity, map.count + 1);
   if (map.complete) {
     map.stretches[map.count++] = {begin, spot};
   }
@@ -188,11 +172,16 @@ void nextLine(LineOrigin &origin, const SourceMap &map, std::int64_t length, boo
 }
 
 void addReplacement(ReplacementList &list, const Replacement &replacement) {
-  list.complete =
-      list.complete && makeRoom(list.items, list.count, list.capacity, kMaxReplacements);
+  list.complete = list.complete && list.count < kMaxReplacements &&
+                  makeRoom(list.items, list.capacity, list.count + 1);
   if (list.complete) {
     list.items[list.count++] = replacement;
   }
+}
+
+void clearReplacements(ReplacementList &list) {
+  list.count = 0;
+  list.complete = true;
 }
 
 void forgetBodies(ReplacementList &list) {

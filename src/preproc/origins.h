@@ -90,6 +90,9 @@ struct ReplacementList {
 
 void addReplacement(ReplacementList &list, const Replacement &replacement);
 
+// Begins a line: nothing in it has been replaced yet.
+void clearReplacements(ReplacementList &list);
+
 // Forgets the definitions, one of which is about to go; the references stay known.
 void forgetBodies(ReplacementList &list);
 void freeReplacements(ReplacementList &list);

@@ -129,7 +129,7 @@ ErrorCode fetchLine(SourceReader &source) {
   }
   nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
            source.line[length - 1] == '\n');
-  source.replacements.count = 0;
+  clearReplacements(source.replacements);
   clean(source.line);
   ++source.lineCounter;
   std::fill_n(source.marked, source.markedLength, false);
