@@ -6,7 +6,6 @@
 #include "base/mathematics.h"
 
 #include <array>
-#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
@@ -23,6 +22,12 @@ namespace korvo {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// std::bit_cast, which not every C++ library has yet.
+template <typename To, typename From>
+constexpr To sameBits(From from) {
+  return __builtin_bit_cast(To, from);
+}
 
 // A number as the sum of two; `high` is `high + low`, rounded.
 struct Sum {
@@ -172,12 +177,12 @@ constexpr std::size_t kPlacesBelowOne = 76;  // 256ths; above 1 they are 128ths
 bool hasLogarithm(double x) { return x >= std::numeric_limits<double>::min() && x < kInfinity; }
 
 Scaled scale(double x) {
-  std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
-  std::uint64_t above = bits - std::bit_cast<std::uint64_t>(kLowestMantissa);
+  std::uint64_t bits = sameBits<std::uint64_t>(x);
+  std::uint64_t above = bits - sameBits<std::uint64_t>(kLowestMantissa);
   std::int64_t power = static_cast<std::int64_t>(above) >> kMantissaBits;
   std::uint64_t mantissa = bits - (static_cast<std::uint64_t>(power) << kMantissaBits);
   std::size_t index = (above >> (kMantissaBits - kPlaceBits)) % kPlaces;
-  return {std::bit_cast<double>(mantissa), static_cast<double>(power), index};
+  return {sameBits<double>(mantissa), static_cast<double>(power), index};
 }
 
 // The inverse of a place, in 15 bits, and minus the logarithm of that inverse. The high part has
@@ -285,7 +290,7 @@ double timesPowerOfTwo(double x, int power) {
   if (power < 1 - kHighestPower || power > kHighestPower) {
     return std::ldexp(x, power);
   }
-  return x * std::bit_cast<double>(static_cast<std::uint64_t>(power + kHighestPower) << 52U);
+  return x * sameBits<double>(static_cast<std::uint64_t>(power + kHighestPower) << 52U);
 }
 
 // A number as so many 64ths of the logarithm of 2, and the rest, which is at most 2^-7.

@@ -3,7 +3,6 @@
 //
 //   values < LINES     a function and its arguments in each, the numbers as bits in base 16; its value, likewise
 //   values --digest    one number for each function, made of its values at 200,000 places
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -11,6 +10,15 @@
 #include "base/mathematics.h"
 
 namespace {
+
+// std::bit_cast, which not every C++ library has yet.
+template <typename To, typename From>
+To sameBits(From from) {
+  static_assert(sizeof(To) == sizeof(From));
+  To to;
+  std::memcpy(&to, &from, sizeof to);
+  return to;
+}
 
 struct Range {
   double low, high;
@@ -63,7 +71,7 @@ void printDigests() {
     for (int i = 0; i < kCount; ++i) {
       double x = places.next(function.first);
       double value = function.value(x, places.next(function.second));
-      digest = (digest ^ std::bit_cast<std::uint64_t>(value)) * 1099511628211U;
+      digest = (digest ^ sameBits<std::uint64_t>(value)) * 1099511628211U;
       digest ^= digest >> 29U;
     }
     std::printf("%s %016llx\n", function.name, static_cast<unsigned long long>(digest));
@@ -71,7 +79,7 @@ void printDigests() {
 }
 
 double fromBits(unsigned long long bits) {
-  return std::bit_cast<double>(static_cast<std::uint64_t>(bits));
+  return sameBits<double>(static_cast<std::uint64_t>(bits));
 }
 
 bool printValues() {
@@ -82,8 +90,7 @@ bool printValues() {
     for (const Function &function : kFunctions) {
       if (std::strcmp(function.name, name) == 0) {
         double value = function.value(fromBits(x), fromBits(y));
-        std::printf("%016llx\n",
-                    static_cast<unsigned long long>(std::bit_cast<std::uint64_t>(value)));
+        std::printf("%016llx\n", static_cast<unsigned long long>(sameBits<std::uint64_t>(value)));
       }
     }
   }
