@@ -436,8 +436,8 @@ double power(double base, float exponent) {
   double upper = upperHalf(sum.high);
   Sum product = addInOrder(upper * y, (sum.high - upper) * y + sum.low * y);
   double result = 0.0;
-  bool certain = exponentialIsCertain(reduce(product),
-                                      std::fabs(product.high) * 2.0 * kLogarithmError, result);
+  bool certain =
+      exponentialIsCertain(reduce(product), std::fabs(product.high) * kLogarithmError, result);
   return certain ? result : slowExponential(slowLogarithm(scaled) * Sum{y, 0.0});
 }
 

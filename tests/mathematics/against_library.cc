@@ -199,7 +199,7 @@ void compareRatio(Count &count, float semitones) {
   count.add({ours, 0.0F}, {theirs, same ? 0.0F : 1.0F});
 }
 
-// A ratio is infinite from 12288 semitones on. Here "stored" is the text.
+// From 960 semitones on a ratio has more than 24 digits. Here "stored" is the text.
 void compareRatios() {
   struct {
     const char *use;
@@ -208,7 +208,7 @@ void compareRatios() {
   } parts[] = {{"output tr, below 120 semitones", 1e-9F, 120.0F, true},
                {"output tr, 120 to 240", 120.0F, 240.0F, false},
                {"output tr, 240 to 480", 240.0F, 480.0F, false},
-               {"output tr, 480 to 12288", 480.0F, 12288.0F, false}};
+               {"output tr, 480 to 960", 480.0F, 960.0F, false}};
   for (const auto &part : parts) {
     Count count;
     visitSingles(part.low, part.high, [&](float semitones) {
