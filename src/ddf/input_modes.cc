@@ -7,6 +7,7 @@
 
 #include "base/arithmetic.h"
 #include "base/characters.h"
+#include "base/mathematics.h"
 #include "base/numbers.h"
 #include "ddf/generation.h"
 #include "reader/lexical.h"
@@ -47,7 +48,7 @@ bool readDecibels(Generation & /*making*/, const char *text, std::int32_t &posit
     return false;
   }
   value = static_cast<float>(
-      std::trunc(std::exp(std::trunc(static_cast<double>(decibels)) * kDecibelExponent)));
+      std::trunc(exponential(std::trunc(static_cast<double>(decibels)) * kDecibelExponent)));
   return true;
 }
 

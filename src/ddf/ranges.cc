@@ -4,10 +4,10 @@
 #include "ddf/ranges.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "base/characters.h"
+#include "base/mathematics.h"
 #include "base/random.h"
 
 namespace korvo {
@@ -27,8 +27,9 @@ float drawNonZero(Random &random) {
 float uniform(Random &random) { return drawUnit(random); }
 
 float towardsLow(Random &random) {
-  double logarithm = std::log(static_cast<double>(drawNonZero(random)));
-  return std::min(static_cast<float>(logarithm / static_cast<double>(-6.9078F)), 1.0F);
+  double weight =
+      logarithm(static_cast<double>(drawNonZero(random))) / static_cast<double>(-6.9078F);
+  return std::min(static_cast<float>(weight), 1.0F);
 }
 
 float towardsHigh(Random &random) { return 1.0F - towardsLow(random); }
@@ -58,14 +59,14 @@ float doubleExponential(Random &random) {
     t = 2.0F - t;
     sign = -1.0;
   }
-  float weight = static_cast<float>(std::log(static_cast<double>(t)) * sign / 14.0);
+  float weight = static_cast<float>(logarithm(static_cast<double>(t)) * sign / 14.0);
   return std::clamp(weight, -0.5F, 0.5F) + 0.5F;
 }
 
 float bothEnds(Random &random) {
   for (;;) {
-    float y1 = static_cast<float>(std::pow(static_cast<double>(drawNonZero(random)), 5.0));
-    float y2 = static_cast<float>(std::pow(static_cast<double>(drawNonZero(random)), 5.0));
+    float y1 = static_cast<float>(fifthPower(drawNonZero(random)));
+    float y2 = static_cast<float>(fifthPower(drawNonZero(random)));
     if (y1 + y2 <= 1.0F) {
       return y1 / (y1 + y2);
     }

@@ -6,6 +6,7 @@
 
 #include "base/arithmetic.h"
 #include "base/characters.h"
+#include "base/mathematics.h"
 #include "base/numbers.h"
 
 namespace korvo {
@@ -32,20 +33,20 @@ bool readCurveLetter(const char *text, std::int32_t &position, CurveType &type, 
 namespace {
 
 // How far the curve has come at `u` (0 to 1) of its way.
-double curveShape(int type, double u, double exponent) {
+double curveShape(int type, double u, float exponent) {
   switch (type) {
     case kLine:
       return u;
     case kPower:
-      return std::pow(u, 2.0);
+      return u * u;
     case kRoot:
-      return std::pow(u, 0.5);
+      return std::sqrt(u);
     case kUserPower:
-      return std::pow(u, exponent);
+      return power(u, exponent);
     case kQuarterSine:
-      return std::sin(u * kHalfPi);
+      return sine(u * kHalfPi);
     default:
-      return u - (std::sin(u * kHalfPi) - u);
+      return u - (sine(u * kHalfPi) - u);
   }
 }
 
@@ -53,8 +54,7 @@ double curveShape(int type, double u, double exponent) {
 
 float interpolate(int type, double u, float from, float to, float exponent) {
   double way = static_cast<double>(to) - static_cast<double>(from);
-  return static_cast<float>(static_cast<double>(from) +
-                            way * curveShape(type, u, static_cast<double>(exponent)));
+  return static_cast<float>(static_cast<double>(from) + way * curveShape(type, u, exponent));
 }
 
 float CurveValue(float type, float x, float length, float from, float to, float exponent) {

@@ -7,6 +7,7 @@
 
 #include "base/arithmetic.h"
 #include "base/characters.h"
+#include "base/mathematics.h"
 
 namespace korvo {
 
@@ -25,7 +26,7 @@ float semitoneOf(float value) { return remainderOf(value, kSemitones); }
 float frequencyOf(float value) {
   double octaves =
       static_cast<double>(octaveOf(value)) + static_cast<double>(semitoneOf(value)) / 12.0;
-  return static_cast<float>(std::exp2(octaves) * kLowestC);
+  return static_cast<float>(powerOfTwo(octaves) * kLowestC);
 }
 
 double unchanged(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
@@ -39,7 +40,7 @@ double rounded(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, fl
 double decibels(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
   std::int64_t amplitude = toInt64(static_cast<double>(roundHalfUp(value)));
   return static_cast<double>(
-      static_cast<float>(std::log(static_cast<double>(amplitude)) / kDecibelExponent));
+      static_cast<float>(logarithm(static_cast<double>(amplitude)) / kDecibelExponent));
 }
 
 double frequency(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
@@ -58,7 +59,7 @@ double octaveDecimal(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate
 }
 
 double transposition(const PfieldFormat & /*format*/, std::uint64_t /*sampleRate*/, float value) {
-  return std::pow(kSemitoneRatio, static_cast<double>(value));
+  return power(kSemitoneRatio, value);
 }
 
 double fftBin(const PfieldFormat &format, std::uint64_t sampleRate, float value) {

@@ -239,6 +239,7 @@ CLAIMS = [
            silent="not added"),
     manual("no warnings, no notes on expansions and spans", "#const a 1\n" + fields("p4 HO(T ~a)"), options=("-s",), says="4 events generated",
            silent="valuated at|Expanding"),
+    manual("390.6 semitones are `6288202398.866842`", fields("p4 (tr) 390.6"), only=(4, [6288202398.866842])),
     # What trips people up
     manual("`p4 no eb4` is two notes, an `e` in the octave of the note before and `b4`. E flat is `ef4`.",
            fields("p4 no c3 eb4 ef4"), values={4: "36 40 59 51"}),

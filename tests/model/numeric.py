@@ -8,6 +8,8 @@ infinities and not-a-numbers instead of raising exceptions.  The random
 generator is the C library's `rand` (additive feedback over 31 words).
 """
 
+import decimal
+import fractions
 import math
 import struct
 
@@ -72,6 +74,17 @@ def dpow(x, y):
         return math.inf
     except ValueError:
         return math.inf if x == 0 else NEG_NAN
+
+
+def nearest_power(x, y):
+    """x above 0 to the power of y, as the double next to the exact value, which the C library often misses by a bit."""
+    rough = dpow(x, y)
+    if rough != rough or rough in (0.0, math.inf):
+        return rough
+    with decimal.localcontext() as context:
+        context.prec = 50
+        exact = fractions.Fraction((decimal.Decimal(x).ln() * decimal.Decimal(y)).exp())
+    return exact.numerator / exact.denominator
 
 
 def dexp2(x):

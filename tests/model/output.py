@@ -6,8 +6,8 @@ output kind.  The MIDI file is a header, a conductor track and a note track.
 """
 
 import names
-from numeric import (INT32_MAX, INT32_MIN, UINT64_MAX, add, ddiv, dexp2, div, dlog, dpow, f32,
-                     mul, real_text, remainder, round_half_up, shrink, sub, to_int, trunc_real)
+from numeric import (INT32_MAX, INT32_MIN, UINT64_MAX, add, ddiv, dexp2, div, dlog, f32,
+                     mul, nearest_power, real_text, remainder, round_half_up, shrink, sub, to_int, trunc_real)
 
 DECIBEL = 0.11512925
 LOWEST_HZ = 16.35159783
@@ -65,7 +65,7 @@ def field_text(run, field, v):
         k = float(to_int(round_half_up(v)))
         return real_text(4, 1, f32(ddiv(dlog(k), DECIBEL)))
     if kind == names.TR:
-        return real_text(8, 6, dpow(SEMITONE, v))
+        return real_text(8, 6, nearest_power(SEMITONE, v))
     if kind in (names.HZ, names.OP, names.OD, names.BN):
         return pitch_text(run, field, v)
     return ''
