@@ -69,8 +69,9 @@ struct SourceReader {
   ExpansionCount spent;
 
   // Of the line being read.
-  int expansions = 0;    // macro calls expanded in it
-  int markedLength = 0;  // no mark is set from here on
+  bool hasMarks = false;  // as it was fetched: something that the preprocessor must look at
+  int expansions = 0;     // macro calls expanded in it
+  int markedLength = 0;   // no mark is set from here on
   // The positions that belong to a macro definition; constants there stay as they are.
   bool marked[kLineBytes] = {};
 

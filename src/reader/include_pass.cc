@@ -1,8 +1,9 @@
 // Characters go straight through, and three things are watched on their way: block comments (which
 // nest here), comments and literal lines that last to the line's end (";" and ">"), and a "#"
-// outside both, which may begin `#include |name|`.
+// outside both, which may begin `#include |name|`. What stands between these is copied as a piece.
 #include "reader/include_pass.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int kMostNameCharacters = 255;
 constexpr int kEnd = -1;  // of a text: no character
+constexpr CharacterSet kWatched("#>;*/\n");
 
 struct Pass {
   Messages &messages;
@@ -98,6 +100,31 @@ void put(Pass &pass, int c) {
     flush(pass);
   }
   pass.bytes[pass.used++] = static_cast<char>(c);
+}
+
+void putPiece(Pass &pass, const char *piece, std::size_t size) {
+  while (size > 0) {
+    if (pass.used == sizeof pass.bytes) {
+      flush(pass);
+    }
+    std::size_t part = std::min(size, sizeof pass.bytes - pass.used);
+    std::memcpy(pass.bytes + pass.used, piece, part);
+    pass.used += part;
+    piece += part;
+    size -= part;
+  }
+}
+
+// Copies what is at hand before the next character that is watched.
+void copyUnwatched(Pass &pass, Level &level) {
+  const char *from = level.bytes + level.next;
+  const char *to = findIn(kWatched, from, level.bytes + level.end);
+  if (to != from) {
+    auto size = static_cast<std::size_t>(to - from);
+    putPiece(pass, from, size);
+    level.next += size;
+    level.previous = static_cast<unsigned char>(to[-1]);
+  }
 }
 
 // What is copied from here on is the text at `spot`.
@@ -221,7 +248,12 @@ ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) 
   level.input = input;
   level.spot = {addFile(pass.map, name), 1, 1};
   goOnAt(pass, level.spot);
-  for (int c = take(level); c != kEnd; c = take(level)) {
+  for (;;) {
+    copyUnwatched(pass, level);
+    int c = take(level);
+    if (c == kEnd) {
+      break;
+    }
     if (c == '#' && !level.inLine && level.depth == 0) {
       RETURN_IF_ERROR(followDirective(pass, level));
     } else {
