@@ -1,5 +1,6 @@
 // Digits in, numbers out. The real readers gather all digits into one value of their own precision
-// and divide once: that is what decides the last bits of every number a composer writes.
+// and divide once: that is what decides the last bits of every number a composer writes. As long as
+// that value is a whole number which their precision holds exactly, it is gathered as an integer.
 #include "base/numbers.h"
 
 #include <cmath>
@@ -37,6 +38,23 @@ bool takeDigits(Digits &digits, const char *text, std::int32_t &position) {
   return position > digits.first;
 }
 
+// Goes on with a value by the digits at the position.
+template <typename Real>
+void gatherDigits(Real &value, const char *text, std::int32_t &position) {
+  // A digit more and it is still below the first whole number that has no place in a Real.
+  constexpr std::uint64_t kExact = (std::uint64_t{1} << std::numeric_limits<Real>::digits) / 10 - 1;
+  if (value < static_cast<Real>(kExact)) {
+    auto whole = static_cast<std::uint64_t>(value);
+    for (; isDigit(text[position]) && whole < kExact; ++position) {
+      whole = whole * 10 + static_cast<std::uint64_t>(text[position] - '0');
+    }
+    value = static_cast<Real>(whole);
+  }
+  for (; isDigit(text[position]); ++position) {
+    value = value * 10 + static_cast<Real>(text[position] - '0');
+  }
+}
+
 template <typename Real>
 bool readReal(Real &out, const char *text, std::int32_t &position) {
   skipBlanksInLine(text, position);
@@ -45,14 +63,12 @@ bool readReal(Real &out, const char *text, std::int32_t &position) {
     return false;
   }
   Real value = 0;
-  for (; isDigit(text[position]); ++position) {
-    value = value * 10 + static_cast<Real>(text[position] - '0');
-  }
+  gatherDigits(value, text, position);
   if (text[position] == '.') {
-    ++position;
+    std::int32_t first = ++position;
+    gatherDigits(value, text, position);
     std::uint32_t divisor = 1;
-    for (; isDigit(text[position]); ++position) {
-      value = value * 10 + static_cast<Real>(text[position] - '0');
+    for (std::int32_t digit = first; digit < position; ++digit) {
       divisor *= 10;
     }
     value = value / static_cast<Real>(static_cast<std::int32_t>(divisor));
