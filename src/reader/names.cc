@@ -119,10 +119,10 @@ bool lookupDdfName(const char *text, std::int32_t &position, NameLookup &name) {
 
 bool isBlockName(const char *text, std::int32_t position) {
   char first = toLower(text[position]);
-  if (!isLetter(first)) {  // most of what stands in a p-field: numbers
-    return first == '#';
+  if (first == '#') {
+    return true;
   }
-  char second = toLower(text[position + 1]);
+  char second = first == '\0' ? '\0' : toLower(text[position + 1]);
   if (second == '\0') {
     return false;
   }
