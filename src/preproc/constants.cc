@@ -104,14 +104,16 @@ ErrorCode ExpandConstRef(SourceReader &source) {
   if (!replaceInLine(source.line, start, end, inserted)) {
     return kOutOfMemory;
   }
-  Replacement replacement;
-  replacement.from = start;
-  replacement.to = end;
-  replacement.inserted = static_cast<std::int32_t>(inserted.size());
-  replacement.inner = source.replacements.count;
-  replacement.body = reference.definition;
-  replacement.whole = true;
-  addReplacement(source.replacements, replacement);
+  if (source.wantsPlaces) {
+    Replacement replacement;
+    replacement.from = start;
+    replacement.to = end;
+    replacement.inserted = static_cast<std::int32_t>(inserted.size());
+    replacement.inner = source.replacements.count;
+    replacement.body = reference.definition;
+    replacement.whole = true;
+    addReplacement(source.replacements, replacement);
+  }
   return kOk;
 }
 

@@ -131,6 +131,22 @@ ErrorCode expandBody(SourceReader &source, const ArgumentList &arguments, char *
   return kOk;
 }
 
+// What the call from `start` to `end` has become; `inner` is the first of the replacements in its
+// body.
+Replacement replacementBy(const Callee &callee, std::int32_t start, std::int32_t end, int depth,
+                          std::uint32_t inner) {
+  Replacement replacement;
+  replacement.from = start;
+  replacement.to = end;
+  replacement.inserted = static_cast<std::int32_t>(callee.body.size());
+  replacement.depth = depth;
+  replacement.inner = inner;
+  if (callee.macro != nullptr) {
+    replacement.body = {callee.macro->spot, callee.macro->body};
+  }
+  return replacement;
+}
+
 }  // namespace
 
 bool mayExpand(const ExpansionCount &spent) {
@@ -180,16 +196,9 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
   if (!replaceInLine(text, start, end, callee.body)) {
     return kOutOfMemory;
   }
-  Replacement replacement;
-  replacement.from = start;
-  replacement.to = end;
-  replacement.inserted = static_cast<std::int32_t>(callee.body.size());
-  replacement.depth = depth;
-  replacement.inner = inner;
-  if (callee.macro != nullptr) {
-    replacement.body = {callee.macro->spot, callee.macro->body};
+  if (source.wantsPlaces) {
+    addReplacement(source.replacements, replacementBy(callee, start, end, depth, inner));
   }
-  addReplacement(source.replacements, replacement);
   return kOk;
 }
 

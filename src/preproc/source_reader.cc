@@ -135,8 +135,10 @@ ErrorCode fetchLine(SourceReader &source) {
   if (source.input.failed) {
     return kTemporaryFileLost;
   }
-  nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
-           source.line[length - 1] == '\n');
+  if (source.wantsPlaces) {
+    nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
+             source.line[length - 1] == '\n');
+  }
   clearReplacements(source.replacements);
   source.hasMarks = clean(source.line);
   ++source.lineCounter;

@@ -75,7 +75,7 @@ struct SourceReader {
   // The positions that belong to a macro definition; constants there stay as they are.
   bool marked[kLineBytes] = {};
 
-  // Where the text comes from.
+  // Where the text comes from. Lines and replacements are followed only when somebody wants places.
   SourceMap map;
   LineOrigin origin;
   ReplacementList replacements;  // in the line

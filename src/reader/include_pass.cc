@@ -14,7 +14,8 @@ namespace korvo {
 namespace {
 
 constexpr int kMostNameCharacters = 255;
-constexpr int kEnd = -1;  // of a text: no character
+constexpr int kEnd = -1;                    // of a text: no character
+constexpr std::size_t kGathered = 1 << 14;  // bytes that go to the host at once
 constexpr CharacterSet kWatched("#>;*/\n");
 
 struct Pass {
@@ -22,10 +23,10 @@ struct Pass {
   const Host &host;
   SourceMap &map;
   bool wantsPlaces;
-  std::int64_t flushed = 0;  // bytes of the joined text that the host has
-  std::size_t used = 0;      // and those that are gathered behind them
-  bool refused = false;      // the host could not keep all of it
-  char bytes[1 << 14] = {};
+  char *bytes;               // of the joined text, gathered: room for kGathered
+  std::size_t used = 0;      // so many
+  std::int64_t flushed = 0;  // those before them, which the host has
+  bool refused = false;      // it could not keep all of them
 };
 
 // What one level knows about the text it is in.
@@ -96,7 +97,7 @@ void put(Pass &pass, int c) {
   if (c == kEnd) {
     return;
   }
-  if (pass.used == sizeof pass.bytes) {
+  if (pass.used == kGathered) {
     flush(pass);
   }
   pass.bytes[pass.used++] = static_cast<char>(c);
@@ -104,10 +105,10 @@ void put(Pass &pass, int c) {
 
 void putPiece(Pass &pass, const char *piece, std::size_t size) {
   while (size > 0) {
-    if (pass.used == sizeof pass.bytes) {
+    if (pass.used == kGathered) {
       flush(pass);
     }
-    std::size_t part = std::min(size, sizeof pass.bytes - pass.used);
+    std::size_t part = std::min(size, kGathered - pass.used);
     std::memcpy(pass.bytes + pass.used, piece, part);
     pass.used += part;
     piece += part;
@@ -271,7 +272,8 @@ ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) 
 
 ErrorCode include_pass(Messages &messages, const Host &host, const char *name, TextInput input,
                        SourceMap &map, bool wantsPlaces) {
-  Pass pass{messages, host, map, wantsPlaces};
+  char bytes[kGathered];
+  Pass pass{messages, host, map, wantsPlaces, bytes};
   Level nothing;
   RETURN_IF_ERROR(copyText(pass, nothing, input, name));
   flush(pass);
