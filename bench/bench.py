@@ -8,7 +8,7 @@ pairs that run in turn, since machines are noisy; instructions are counted once,
 tables replace what stands between the bench marks of that file. The exit status is 1 when a goal is missed.
 
 --before    an older program, which some goals are measured against; its name is for the tables
---quick     leaves out the slow companions and the ten million events
+--quick     leaves out the slow companions and the ten million events, and the README as it is
 """
 
 import argparse
@@ -154,7 +154,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="korvo-bench-") as folder:
         run_all(tables, goals.Workshop(arguments.tools, before, folder), arguments.events, arguments.quick)
     tables.say(closing_words(arguments.rounds, before_name))
-    if arguments.readme:
+    if arguments.readme and not arguments.quick:
         update_readme(arguments.readme, tables.lines)
     for line in tables.missed:
         print(f"missed: {line}", file=sys.stderr)
