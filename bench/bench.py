@@ -1,183 +1,117 @@
 #!/usr/bin/env python3
 """Runs the benchmark and prints its tables.
 
-    bench.py KORVO FLOOR TINY STRUDEL_FOLDER [--rounds N] [--events N] [--readme README] [--quick]
+    bench.py TOOLS_FOLDER [--before KORVO NAME] [--rounds N] [--events N] [--readme README] [--quick]
 
-All programs of a table run in turn, several rounds, and each figure is the median; a ratio compares medians of the same
-run, since machines are noisy. With --readme the tables replace what stands between the bench marks of that file. The exit
-status is 1 when a bar is missed. --quick leaves out the slow companions and the ten million events.
+Every goal is a row: a ratio of times, beside it the ratio of instructions, and its bar. A ratio is the median of so many
+pairs that run in turn, since machines are noisy; instructions are counted once, for a smaller piece. With --readme the
+tables replace what stands between the bench marks of that file. The exit status is 1 when a goal is missed.
+
+--before    an older program, which some goals are measured against; its name is for the tables
+--quick     leaves out the slow companions and the ten million events, and the README as it is
 """
 
 import argparse
 import os
-import resource
-import shutil
-import statistics
-import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-import piece
+import goals
+import measure
+import pieces
 
-HERE = Path(__file__).resolve().parent
-SCLANG_ENVIRONMENT = {"QT_QPA_PLATFORM": "offscreen", "QTWEBENGINE_DISABLE_SANDBOX": "1"}
-TINY_RUNS = 200  # starts that make one figure of the smallest piece
+MOST_BYTES_AN_EVENT = 36  # of memory, for six p-fields
 
 
-class Bench:
-    def __init__(self, arguments, folder):
-        self.arguments = arguments
-        self.folder = folder
+def bytes_of(path):
+    return Path(path).read_bytes()
+
+
+def check_floors(shop, events):
+    """The floors count only as long as they write what Korvo writes."""
+    for command in (shop.korvo_on(pieces.common)(events), shop.score_floor(events), shop.korvo_midi(events),
+                    shop.midi_floor(events)):
+        measure.run(command.words, command.messages)
+    if bytes_of(shop.path("korvo.sco")) != bytes_of(shop.path("floor.sco")):
+        raise RuntimeError("the floor's score is not Korvo's")
+    if bytes_of(shop.path("korvo.mid")) != bytes_of(shop.path("floor.mid")):
+        raise RuntimeError("the floor's MIDI file is not Korvo's")
+    if listed(bytes_of(shop.path("korvo.listing"))) != bytes_of(shop.path("floor.listing")):
+        raise RuntimeError("the floor's listing is not Korvo's")
+
+
+def listed(messages):
+    """The listing in Korvo's messages: from the line feed behind the last span to the tab of the last note."""
+    begin = messages.find(b"\n", messages.rfind(b"T evaluated at"))
+    return messages[begin:messages.rfind(b"\t\n\n", begin) + 1]
+
+
+class Tables:
+    """Rows on their way to the screen and to the README."""
+
+    def __init__(self, rounds):
+        self.rounds = rounds
         self.lines = []
         self.missed = []
-
-    def path(self, name):
-        return str(self.folder / name)
-
-    def write(self, name, text):
-        (self.folder / name).write_text(text)
-        return self.path(name)
 
     def say(self, line=""):
         print(line, flush=True)
         self.lines.append(line)
 
-    def bar(self, what, ratio, limit, at_least=False):
-        """Notes a ratio against its bar and returns the words for the table."""
-        good = ratio >= limit if at_least else ratio <= limit
-        if not good:
-            self.missed.append(f"{what}: {ratio:.2f}, wanted {'at least' if at_least else 'at most'} {limit}")
-        return f"{'at least' if at_least else 'at most'} {limit}"
+    def head(self):
+        self.say("| what | time | instructions | bar | |")
+        self.say("|---|---|---|---|---|")
+
+    def row(self, what, figure, counted="", bar="", good=None):
+        verdict = "" if good is None else "met" if good else "missed"
+        if good is False:
+            self.missed.append(f"{what}: {figure}, wanted {bar}")
+        self.say(f"| {what} | {figure} | {counted} | {bar} | {verdict} |")
+
+    def goal(self, goal):
+        ratio = measure.time_ratio(goal.first(goal.size), goal.second(goal.size), self.rounds)
+        counted = ""
+        if goal.counted_size and measure.can_count():
+            above, below = (measure.instructions(of(goal.counted_size)) for of in (goal.first, goal.second))
+            counted = figure_of(above / below)
+        self.row(goal.what, figure_of(ratio), counted, goal.bar(), goal.met(ratio))
 
 
-def seconds_of(words, stderr=subprocess.DEVNULL, times=1):
-    environment = {**os.environ, **SCLANG_ENVIRONMENT}
-    begin = time.perf_counter()
-    for _ in range(times):
-        subprocess.run(words, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=stderr,
-                       env=environment)
-    return (time.perf_counter() - begin) / times
+def figure_of(ratio):
+    return f"{ratio:.1f}" if ratio >= 20 else f"{ratio:.2f}"
 
 
-def medians(jobs, rounds):
-    """jobs: name -> function that gives seconds. One round runs each once."""
-    figures = {name: [] for name in jobs}
-    for _ in range(rounds):
-        for name, job in jobs.items():
-            figures[name].append(job())
-    return {name: statistics.median(values) for name, values in figures.items()}
+def memory_row(tables, shop, events):
+    each = measure.peak_bytes(shop.korvo_on(pieces.common)(events)) / events
+    tables.row("peak memory, bytes an event", f"{each:.1f}", bar=f"at most {MOST_BYTES_AN_EVENT}",
+               good=each <= MOST_BYTES_AN_EVENT)
 
 
-def peak_bytes(words):
-    """The largest memory of one run of `words`."""
-    child = os.fork()
-    if child == 0:
-        null = os.open(os.devnull, os.O_RDWR)
-        for stream in (0, 1, 2):
-            os.dup2(null, stream)
-        os.execv(words[0], words)
-    _, status, usage = os.wait4(child, 0)
-    if status != 0:
-        raise RuntimeError(f"{words} failed")
-    return usage.ru_maxrss * 1024
+def copy_row(tables, shop, events):
+    """No goal: what of Korvo's time is the machine's for so many bytes."""
+    ratio = measure.time_ratio(shop.copy(events), shop.korvo_on(pieces.common)(events), tables.rounds)
+    tables.row("a copy of the score / Korvo", figure_of(ratio))
 
 
-def common_piece(bench):
-    """The common piece against the floor and what people use instead."""
-    arguments = bench.arguments
-    events = arguments.events
-    korvo, floor = arguments.korvo, arguments.floor
-    text = bench.write("common.txt", piece.COMMON.format(events=events))
-    jobs = {
-        "Korvo": lambda: seconds_of([korvo, "-s", text, bench.path("korvo.sco")]),
-        "the floor": lambda: seconds_of([floor, str(events), bench.path("floor.sco")]),
-    }
-    if not arguments.quick:
-        strudel = shutil.copy(HERE / "event_stream.mjs", arguments.strudel)
-        jobs["Python"] = lambda: seconds_of(
-            [sys.executable, str(HERE / "event_stream.py"), str(events), bench.path("python.sco")])
-        jobs["SuperCollider patterns"] = lambda: seconds_of(
-            ["sclang", str(HERE / "event_stream.scd"), str(events), bench.path("sclang.sco")])
-        jobs["Strudel patterns"] = lambda: seconds_of(["node", strudel, str(events), bench.path("strudel.sco")])
-    figures = medians(jobs, arguments.rounds)
-    if Path(bench.path("korvo.sco")).read_bytes() != Path(bench.path("floor.sco")).read_bytes():
-        raise RuntimeError("the floor's score is not Korvo's")
-    own = figures["Korvo"]
-    bars = {"Python": 5, "SuperCollider patterns": 15, "Strudel patterns": 30}
-    bench.say(f"A score of {events:,} events with six p-fields:")
-    bench.say()
-    bench.say("| program | seconds | against Korvo | bar |")
-    bench.say("|---|---|---|---|")
-    for name, seconds in figures.items():
-        ratio = seconds / own
-        words = ""
-        if name == "the floor":
-            words = f"Korvo {bench.bar('Korvo / floor', own / seconds, 1.5)}"
-        elif name in bars:
-            words = bench.bar(name, ratio, bars[name], at_least=True)
-        bench.say(f"| {name} | {seconds:.3f} | {ratio:.2f} | {words} |")
-    bench.say()
-    return own
-
-
-def ratio_row(bench, what, ratio, limit):
-    bench.say(f"| {what} | {ratio:.2f} | {bench.bar(what, ratio, limit)} |")
-
-
-def compare(bench, what, first, second, limit, rounds):
-    figures = medians({"first": first, "second": second}, rounds)
-    ratio_row(bench, what, figures["first"] / figures["second"], limit)
-
-
-def growth(bench, what, make, small, times, limit, rounds):
-    """The time of a piece `times` as large, for each times one of the small one's."""
-    korvo = bench.arguments.korvo
-    small_piece = bench.write("small.txt", make(small))
-    large_piece = bench.write("large.txt", make(small * times))
-    compare(bench, what, lambda: seconds_of([korvo, "-s", large_piece, bench.path("large.sco")]),
-            lambda: seconds_of([korvo, "-s", small_piece, bench.path("small.sco")]), limit, rounds)
-
-
-def midi_with_listing(bench, text):
-    def job():
-        with open(bench.path("listing.txt"), "wb") as listing:
-            return seconds_of([bench.arguments.korvo, "-m", text, bench.path("notes.mid")], stderr=listing)
-    return job
-
-
-def further_bars(bench):
-    arguments = bench.arguments
-    korvo, events, rounds = arguments.korvo, arguments.events, arguments.rounds
-    bench.say("| what | ratio | bar |")
-    bench.say("|---|---|---|")
-    if not arguments.quick:
-        growth(bench, "ten times the events, time", lambda n: piece.COMMON.format(events=n), events, 10, 10.5,
-               max(3, rounds // 2))
-    text = bench.write("memory.txt", piece.COMMON.format(events=events))
-    peak = peak_bytes([korvo, "-s", text, bench.path("memory.sco")])
-    ratio_row(bench, f"peak memory of {events:,} events, against 48 bytes an event and 8 MB",
-              peak / (48 * events + 8 * 2**20), 1)
-    tiny = bench.write("tiny.txt", piece.TINY)
-    compare(bench, "ten lines, start to exit, against a C program that only copies",
-            lambda: seconds_of([korvo, tiny, bench.path("tiny.sco")], times=TINY_RUNS),
-            lambda: seconds_of([arguments.tiny, tiny, bench.path("tiny.copy")], times=TINY_RUNS), 2, rounds)
-    midi = bench.write("midi.txt", piece.MIDI.format(events=events))
-    compare(bench, f"MIDI file of {events:,} notes, a hundred at once, listing to a file, against its score",
-            midi_with_listing(bench, midi),
-            lambda: seconds_of([korvo, midi, bench.path("notes.sco")]), 2.5, rounds)
-    lines = max(1000, events // 10)
-    called = bench.write("macros.txt", piece.macros(lines))
-    written = bench.write("written.txt", piece.written_out(lines))
-    compare(bench, f"{lines:,} lines of macro calls, against the same written out",
-            lambda: seconds_of([korvo, "-s", called, bench.path("macros.sco")]),
-            lambda: seconds_of([korvo, "-s", written, bench.path("written.sco")]), 3, rounds)
-    growth(bench, "ten times the lines with macros and constants, time", piece.macros, 10000, 10, 12, rounds)
-    growth(bench, "10,000 data function calls in a p-field against 1,000, time", piece.calls, 1000, 10, 12, rounds)
-    growth(bench, "ten times the groups of S2, time", piece.groups, 100000, 10, 12, rounds)
-    growth(bench, "ten times the insertions by a looped \":\", time", piece.insertions, 100000, 10, 12, rounds)
-    bench.say()
+def run_all(tables, shop, events, quick):
+    check_floors(shop, events)
+    size = os.path.getsize(shop.path("korvo.sco")) / 1e6
+    tables.say(f"A score of {events:,} events with six p-fields, {size:.0f} MB, in"
+               f" {measure.median_seconds(shop.korvo_on(pieces.common)(events), tables.rounds):.2f} seconds:")
+    tables.say()
+    tables.head()
+    for goal in goals.events_goals(shop, events, quick):
+        tables.goal(goal)
+    memory_row(tables, shop, events)
+    copy_row(tables, shop, events)
+    tables.say()
+    tables.say("Other work:")
+    tables.say()
+    tables.head()
+    for goal in goals.source_goals(shop, events) + goals.other_goals(shop, events):
+        tables.goal(goal)
+    tables.say()
 
 
 def machine():
@@ -187,6 +121,13 @@ def machine():
             model = line.split(":", 1)[1].strip()
             break
     return f"{os.cpu_count()} cores, {model}"
+
+
+def closing_words(rounds, before_name):
+    words = f"Times are medians of {rounds} pairs that ran in turn, on {machine()}; instructions are counted by callgrind."
+    if before_name:
+        words += f" The program before is that of the commit `{before_name}`."
+    return f"{words} `./scripts/bench` makes these tables."
 
 
 def update_readme(path, lines):
@@ -200,26 +141,25 @@ def update_readme(path, lines):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("korvo")
-    parser.add_argument("floor")
-    parser.add_argument("tiny")
-    parser.add_argument("strudel")
-    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("tools")
+    parser.add_argument("--before", nargs=2, default=(None, None))
+    parser.add_argument("--rounds", type=int, default=9)
     parser.add_argument("--events", type=int, default=1_000_000)
     parser.add_argument("--readme")
     parser.add_argument("--quick", action="store_true")
     arguments = parser.parse_args()
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    before, before_name = arguments.before
+    measure.leave_no_cores()
+    tables = Tables(arguments.rounds)
     with tempfile.TemporaryDirectory(prefix="korvo-bench-") as folder:
-        bench = Bench(arguments, Path(folder))
-        common_piece(bench)
-        further_bars(bench)
-        bench.say(f"Medians of {arguments.rounds} rounds on {machine()}. `./scripts/bench` makes these tables.")
-    if arguments.readme:
-        update_readme(arguments.readme, bench.lines)
-    for line in bench.missed:
+        run_all(tables, goals.Workshop(arguments.tools, before, folder), arguments.events, arguments.quick)
+    tables.say(closing_words(arguments.rounds, before_name))
+    if arguments.readme and not arguments.quick:
+        update_readme(arguments.readme, tables.lines)
+    for line in tables.missed:
         print(f"missed: {line}", file=sys.stderr)
-    return 1 if bench.missed else 0
+    return 1 if tables.missed else 0
 
 
-sys.exit(main())
+if __name__ == "__main__":
+    sys.exit(main())

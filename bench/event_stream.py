@@ -25,7 +25,7 @@ def main():
             p5 = random.choice((100, 200, 300, 400, 500))
             score.write(f"\ni1 {start:8.3f} {duration:6.3f} {p4:9.3f} {p5:9.3f} {position:9.3f} ")
             start += random.uniform(0.01, 0.1)
-            position = walk(position, 0.25)
+            position = walk(position, 0.1)
         score.write("\n\ne\n")
 
 

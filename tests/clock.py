@@ -2,7 +2,7 @@
 
 - A run may take minutes. What is still there after HANG seconds by the clock will never end, and is a fault.
 - What a run costs is the time that the processor gave it, measured with a yardstick: a plain program that draws,
-  formats and writes a million events (bench/floor.cc), built with the same switches as Korvo. It runs right beside
+  formats and writes a million events (yardstick.cc), built with the same switches as Korvo. It runs right beside
   what is measured, so that a slow or a busy machine slows down both. Limits are several times what any piece takes,
   and a run that seems to cost too much gets two more tries.
 """

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace korvo {
 
@@ -13,8 +14,44 @@ constexpr char toLower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+// Characters to look for, and a quick way over all others: most of a text means nothing to the
+// passes that look for a mark in it.
+struct CharacterSet {
+  bool has[256] = {};
+
+  // The characters of `members`, a NUL in it included.
+  constexpr explicit CharacterSet(std::string_view members) {
+    for (char c : members) {
+      has[static_cast<unsigned char>(c)] = true;
+    }
+  }
+};
+
+constexpr bool contains(const CharacterSet &set, char c) {
+  return set.has[static_cast<unsigned char>(c)];
+}
+
+// The first character from `from` on that is in the set; `end` when there is none before it.
+inline const char *findIn(const CharacterSet &set, const char *from, const char *end) {
+  while (from != end && !contains(set, *from)) {
+    ++from;
+  }
+  return from;
+}
+
+// The same in a text without an end: the set must have the NUL that closes it.
+template <typename Char>
+Char *findIn(const CharacterSet &set, Char *from) {
+  while (!contains(set, *from)) {
+    ++from;
+  }
+  return from;
+}
+
 // What a macro, argument or constant name goes on with behind its first letter.
-constexpr bool isNamePart(char c) { return isLetter(c) || isDigit(c) || c == '_'; }
+inline constexpr CharacterSet kNameParts(
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_");
+constexpr bool isNamePart(char c) { return contains(kNameParts, c); }
 
 // Moves the position over white space.
 inline void skipBlanksInLine(const char *text, std::int32_t &position) {

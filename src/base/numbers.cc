@@ -1,5 +1,6 @@
 // Digits in, numbers out. The real readers gather all digits into one value of their own precision
-// and divide once: that is what decides the last bits of every number a composer writes.
+// and divide once: that is what decides the last bits of every number a composer writes. As long as
+// that value is a whole number which their precision holds exactly, it is gathered as an integer.
 #include "base/numbers.h"
 
 #include <cmath>
@@ -37,22 +38,49 @@ bool takeDigits(Digits &digits, const char *text, std::int32_t &position) {
   return position > digits.first;
 }
 
+// The digits that a whole number in a Real can take without rounding.
+template <typename Real>
+void takeExactDigits(std::int64_t &whole, const char *&text) {
+  // One digit more and it is still below the first whole number that has no place in a Real.
+  constexpr std::int64_t kLast = (std::int64_t{1} << std::numeric_limits<Real>::digits) / 10 - 1;
+  for (; isDigit(*text) && whole < kLast; ++text) {
+    whole = whole * 10 + (*text - '0');
+  }
+}
+
+// The digits from where it begins to round.
+template <typename Real>
+void takeRoundedDigits(Real &value, const char *&text) {
+  for (; isDigit(*text); ++text) {
+    value = value * 10 + static_cast<Real>(*text - '0');
+  }
+}
+
 template <typename Real>
 bool readReal(Real &out, const char *text, std::int32_t &position) {
   skipBlanksInLine(text, position);
   bool negative = takeSign(text, position);
-  if (!isDigit(text[position]) && text[position] != '.') {
+  const char *c = text + position;
+  if (!isDigit(*c) && *c != '.') {
     return false;
   }
-  Real value = 0;
-  for (; isDigit(text[position]); ++position) {
-    value = value * 10 + static_cast<Real>(text[position] - '0');
+  const char *fraction = nullptr;
+  std::int64_t whole = 0;
+  takeExactDigits<Real>(whole, c);
+  if (*c == '.') {
+    fraction = ++c;
+    takeExactDigits<Real>(whole, c);
   }
-  if (text[position] == '.') {
-    ++position;
+  Real value = static_cast<Real>(whole);
+  takeRoundedDigits(value, c);
+  if (*c == '.' && fraction == nullptr) {
+    fraction = ++c;
+    takeRoundedDigits(value, c);
+  }
+  position = static_cast<std::int32_t>(c - text);
+  if (fraction != nullptr) {
     std::uint32_t divisor = 1;
-    for (; isDigit(text[position]); ++position) {
-      value = value * 10 + static_cast<Real>(text[position] - '0');
+    for (; fraction < c; ++fraction) {
       divisor *= 10;
     }
     value = value / static_cast<Real>(static_cast<std::int32_t>(divisor));

@@ -162,7 +162,7 @@ ErrorCode readData(Generation &making, SourceReader &source) {
 
 ErrorCode readItem(Generation &making, SourceReader &source) {
   CommentKind kind;
-  if (isPfieldName(source.line, source.position)) {
+  if (mayBeginName(current(source)) && isPfieldName(source.line, source.position)) {
     return readName(making, source);
   }
   if (is_comment_start(source, kind)) {

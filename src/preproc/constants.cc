@@ -21,31 +21,27 @@ struct Reference {
   double value = 0.0;
   bool isEquation = false;  // its "]" is still to be stepped over
   BodyOrigin definition;
-  char shownName[kLineBytes] = "";
+  std::string_view shownName;
 };
-
-void nameReference(Reference &reference, std::string_view name) {
-  reference.shownName[name.copy(reference.shownName, kMaxLineLength)] = '\0';
-}
 
 ErrorCode readRunVariable(SourceReader &source, Reference &reference) {
   double beatsPerSecond = static_cast<double>(*source.values.tempo) / 60.0;
   switch (source.line[source.position + 1]) {
     case '1':
       reference.value = source.values.lastBlockSeconds;
-      nameReference(reference, "@1 (Last IB Time)");
+      reference.shownName = "@1 (Last IB Time)";
       break;
     case '2':
       reference.value = source.values.cumulativeSeconds;
-      nameReference(reference, "@2 (Cumulative Time)");
+      reference.shownName = "@2 (Cumulative Time)";
       break;
     case '3':
       reference.value = beatsPerSecond * source.values.lastBlockSeconds;
-      nameReference(reference, "@3 (Last IB Time [BEATS])");
+      reference.shownName = "@3 (Last IB Time [BEATS])";
       break;
     case '4':
       reference.value = beatsPerSecond * source.values.cumulativeSeconds;
-      nameReference(reference, "@4 (Cumulative Time [BEATS])");
+      reference.shownName = "@4 (Cumulative Time [BEATS])";
       break;
     default:
       return kBadRunVariable;
@@ -55,7 +51,7 @@ ErrorCode readRunVariable(SourceReader &source, Reference &reference) {
 }
 
 ErrorCode readEquation(SourceReader &source, Reference &reference) {
-  nameReference(reference, "equation");
+  reference.shownName = "equation";
   reference.isEquation = true;
   return EvaluateEquation(source, reference.value);
 }
@@ -71,7 +67,7 @@ ErrorCode readReference(SourceReader &source, Reference &reference) {
       RETURN_IF_ERROR(LookupConst(source, constant));
       reference.value = constant->value;
       reference.definition = {constant->spot, constant->name};
-      nameReference(reference, constant->name);
+      reference.shownName = constant->name;
       return kOk;
     }
   }
@@ -108,14 +104,16 @@ ErrorCode ExpandConstRef(SourceReader &source) {
   if (!replaceInLine(source.line, start, end, inserted)) {
     return kOutOfMemory;
   }
-  Replacement replacement;
-  replacement.from = start;
-  replacement.to = end;
-  replacement.inserted = static_cast<std::int32_t>(inserted.size());
-  replacement.inner = source.replacements.count;
-  replacement.body = reference.definition;
-  replacement.whole = true;
-  addReplacement(source.replacements, replacement);
+  if (source.wantsPlaces) {
+    Replacement replacement;
+    replacement.from = start;
+    replacement.to = end;
+    replacement.inserted = static_cast<std::int32_t>(inserted.size());
+    replacement.inner = source.replacements.count;
+    replacement.body = reference.definition;
+    replacement.whole = true;
+    addReplacement(source.replacements, replacement);
+  }
   return kOk;
 }
 

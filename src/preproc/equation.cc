@@ -2,8 +2,6 @@
 // precedence.
 #include "preproc/equation.h"
 
-#include <cstring>
-
 #include "base/arithmetic.h"
 #include "base/characters.h"
 #include "base/numbers.h"
@@ -52,9 +50,9 @@ double drawRandomTerm(SourceReader &source) {
   return static_cast<double>(value);
 }
 
-bool isOneOf(char c, const char *characters) {
-  return c != '\0' && std::strchr(characters, c) != nullptr;
-}
+constexpr CharacterSet kSigns("+-");
+constexpr CharacterSet kOperators("+-*/%");
+constexpr CharacterSet kBlanks(" \t\n");
 
 // One step: a term, an operator or a blank.
 ErrorCode takeTerm(SourceReader &source, Equation &equation) {
@@ -64,7 +62,7 @@ ErrorCode takeTerm(SourceReader &source, Equation &equation) {
     RETURN_IF_ERROR(LookupConst(source, constant));
     return addValue(equation, constant->value);
   }
-  if (isDigit(c) || c == '.' || (isOneOf(c, "+-") && equation.afterOperator)) {
+  if (isDigit(c) || c == '.' || (contains(kSigns, c) && equation.afterOperator)) {
     double value = 0.0;
     return read_double(value, source.line, source.position) ? addValue(equation, value) : kBadFloat;
   }
@@ -77,14 +75,14 @@ ErrorCode takeTerm(SourceReader &source, Equation &equation) {
     return addValue(
         equation, which == '1' ? source.values.lastBlockSeconds : source.values.cumulativeSeconds);
   }
-  if (c != '?' && !isOneOf(c, " \t\n+-*/%")) {
+  if (c != '?' && !contains(kBlanks, c) && !contains(kOperators, c)) {
     return kIllegalInEquation;
   }
   ++source.position;
   if (c == '?') {
     return addValue(equation, drawRandomTerm(source));
   }
-  return isOneOf(c, "+-*/%") ? addOperator(equation, c) : kOk;
+  return contains(kOperators, c) ? addOperator(equation, c) : kOk;
 }
 
 double apply(double a, char sign, double b) {

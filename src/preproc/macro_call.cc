@@ -14,13 +14,20 @@
 
 namespace korvo {
 
+struct Argument {
+  const char *text;
+  std::size_t size;
+};
+
 struct ArgumentList {
   int count = 0;
   const std::string_view *names = nullptr;  // the macro's parameters
-  std::string_view texts[kMaxMacroParameters];
+  Argument texts[kMaxMacroParameters];      // as many as there are
 };
 
 namespace {
+
+using std::string_view_literals::operator""sv;
 
 // What a name stands for: a macro, or an argument of the enclosing call (which has no parameters).
 struct Callee {
@@ -41,7 +48,8 @@ bool findCallee(const MacroTable &macros, const ArgumentList *scope, std::string
                 Callee &callee) {
   int argument = scope != nullptr ? findArgument(*scope, name) : -1;
   if (argument >= 0) {
-    callee = {scope->names[argument], scope->texts[argument], nullptr};
+    const Argument &text = scope->texts[argument];
+    callee = {scope->names[argument], {text.text, text.size}, nullptr};
     return true;
   }
   const auto *macro = static_cast<const Macro *>(findName(macros, name));
@@ -51,22 +59,22 @@ bool findCallee(const MacroTable &macros, const ArgumentList *scope, std::string
   return macro != nullptr;
 }
 
-// Where the call that begins at the "$" at `p` ends in the text: behind its name and, when "("
-// follows the name directly, behind the ")" that balances it. So a macro without parameters
-// swallows what stands in parentheses behind it, and a blank before the "(" leaves the arguments in
-// the line.
+// Where the call whose name ends before `p` ends in the text: there or, when "(" follows the name
+// directly, behind the ")" that balances it. So a macro without parameters swallows what stands in
+// parentheses behind it, and a blank before the "(" leaves the arguments in the line.
 std::int32_t callEnd(const char *text, std::int32_t p) {
-  ++p;
-  takeName(text, p);
   if (text[p] != '(') {
     return p;
   }
-  int open = 0;
-  do {
-    open += text[p] == '(' ? 1 : text[p] == ')' ? -1 : 0;
-    ++p;
-  } while (open > 0 && text[p] != '\0');
-  return p;
+  constexpr CharacterSet kStops("()\0"sv);
+  for (int open = 1; open > 0;) {
+    p = static_cast<std::int32_t>(findIn(kStops, text + p + 1) - text);
+    if (text[p] == '\0') {
+      return p;
+    }
+    open += text[p] == '(' ? 1 : -1;
+  }
+  return p + 1;
 }
 
 // The arguments of a call, from its "(". Each lasts to "'" or "#", the last one to ")"; everything
@@ -90,7 +98,7 @@ ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &curs
     if (last && text[cursor] == '\'') {
       return kTooManyArguments;
     }
-    std::string_view argument(text + begin, static_cast<std::size_t>(cursor - begin));
+    Argument argument = {text + begin, static_cast<std::size_t>(cursor - begin)};
     ++cursor;
     if (i == macro.repeatedParam) {
       return kMacroExists;
@@ -98,6 +106,13 @@ ErrorCode readArguments(const Macro &macro, const char *text, std::int32_t &curs
     arguments.texts[arguments.count++] = argument;
   }
   return kOk;
+}
+
+// Behind the call that begins at the "$" at `p`.
+std::int32_t passedOver(const char *text, std::int32_t p) {
+  ++p;
+  takeName(text, p);
+  return callEnd(text, p);
 }
 
 // Expands all calls in the body of a macro with parameters. What a nested call inserts is scanned
@@ -111,9 +126,25 @@ ErrorCode expandBody(SourceReader &source, const ArgumentList &arguments, char *
     }
     std::int32_t cursor = p + 1;
     RETURN_IF_ERROR(ExpandMacroCall(source, &arguments, body, cursor, depth + 1));
-    p = body[cursor] == '$' ? callEnd(body, cursor) : cursor;
+    p = body[cursor] == '$' ? passedOver(body, cursor) : cursor;
   }
   return kOk;
+}
+
+// What the call from `start` to `end` has become; `inner` is the first of the replacements in its
+// body.
+Replacement replacementBy(const Callee &callee, std::int32_t start, std::int32_t end, int depth,
+                          std::uint32_t inner) {
+  Replacement replacement;
+  replacement.from = start;
+  replacement.to = end;
+  replacement.inserted = static_cast<std::int32_t>(callee.body.size());
+  replacement.depth = depth;
+  replacement.inner = inner;
+  if (callee.macro != nullptr) {
+    replacement.body = {callee.macro->spot, callee.macro->body};
+  }
+  return replacement;
 }
 
 }  // namespace
@@ -136,6 +167,7 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
     return kOutOfMemory;
   }
   std::string_view name = takeName(text, cursor);
+  std::int32_t nameEnd = cursor;
   Callee callee;
   if (!findCallee(source.macros, scope, name, callee)) {
     return unknownName(source, "macro", name);
@@ -156,7 +188,7 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
         {callee.name, source.lineCounter});
   }
   cursor = start;
-  std::int32_t end = callEnd(text, start);
+  std::int32_t end = callEnd(text, nameEnd);
   characters += static_cast<std::size_t>(end - start) + callee.body.size();
   if (!countExpansion(source.spent, characters)) {
     return kOutOfMemory;
@@ -164,16 +196,9 @@ ErrorCode ExpandMacroCall(SourceReader &source, const ArgumentList *scope, char 
   if (!replaceInLine(text, start, end, callee.body)) {
     return kOutOfMemory;
   }
-  Replacement replacement;
-  replacement.from = start;
-  replacement.to = end;
-  replacement.inserted = static_cast<std::int32_t>(callee.body.size());
-  replacement.depth = depth;
-  replacement.inner = inner;
-  if (callee.macro != nullptr) {
-    replacement.body = {callee.macro->spot, callee.macro->body};
+  if (source.wantsPlaces) {
+    addReplacement(source.replacements, replacementBy(callee, start, end, depth, inner));
   }
-  addReplacement(source.replacements, replacement);
   return kOk;
 }
 

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -22,13 +23,20 @@ std::uint64_t multiply(std::uint64_t a, std::uint64_t b) {
   return sum >= kPrime ? sum - kPrime : sum;
 }
 
-// The characters are the coefficients of a polynomial, and the hash is its value at the key: two
-// names agree at no more keys than they have characters.
+// The characters, seven at a time, are the coefficients of a polynomial, and the hash is its value
+// at the key: two names agree at no more keys than they have such pieces.
 std::uint64_t hashOf(const NameTable &table, std::string_view name) {
+  constexpr std::size_t kPieceLength = 7;
   std::uint64_t hash = 1;
-  for (char c : name) {
-    hash = multiply(hash, table.key) + static_cast<unsigned char>(c);
+  while (!name.empty()) {
+    std::uint64_t piece = 0;
+    std::size_t length = std::min(kPieceLength, name.size());
+    for (std::size_t i = 0; i < length; ++i) {
+      piece = piece << 8 | static_cast<unsigned char>(name[i]);
+    }
+    hash = multiply(hash, table.key) + piece;
     hash = hash >= kPrime ? hash - kPrime : hash;
+    name.remove_prefix(length);
   }
   return hash;
 }

@@ -1,20 +1,9 @@
 // Text comes in, a name goes out.
 #include "preproc/names.h"
 
-#include "base/characters.h"
 #include "preproc/source_reader.h"
 
 namespace korvo {
-
-std::string_view takeName(const char *text, std::int32_t &position) {
-  std::int32_t first = position;
-  if (isLetter(text[position])) {
-    while (isNamePart(text[position])) {
-      ++position;
-    }
-  }
-  return {text + first, static_cast<std::size_t>(position - first)};
-}
 
 bool matchesLoosely(const char *text, std::string_view keyword) {
   for (std::size_t i = 0; i < keyword.size() && text[i] != '\0'; ++i) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "base/characters.h"
 #include "korvo/korvo.h"
@@ -44,13 +45,20 @@ std::size_t takeLine(LineInput &input, char *line) {
 }
 
 // A line feed, a carriage return and the byte 255 become blanks, so no line contains a line end of
-// its own. What stands behind a NUL is not seen.
-void clean(char *line) {
-  for (; *line != '\0'; ++line) {
-    if (*line == '\n' || *line == '\r' || *line == '\xff') {
-      *line = ' ';
+// its own. What stands behind a NUL is not seen. Returns whether the line has a mark: "$" and "~"
+// are replaced, "#" defines, ">" keeps from defining, ";" and "/" begin comments.
+bool clean(char *line) {
+  using std::string_view_literals::operator""sv;
+  constexpr CharacterSet kStops("\n\r\xff$~#>;/\0"sv);
+  bool hasMarks = false;
+  for (char *c = findIn(kStops, line); *c != '\0'; c = findIn(kStops, c + 1)) {
+    if (*c == '\n' || *c == '\r' || *c == '\xff') {
+      *c = ' ';
+    } else {
+      hasMarks = true;
     }
   }
+  return hasMarks;
 }
 
 // The line as it stands in the buffer and, below it, blanks (tabs under tabs) up to a caret under
@@ -127,13 +135,17 @@ ErrorCode fetchLine(SourceReader &source) {
   if (source.input.failed) {
     return kTemporaryFileLost;
   }
-  nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
-           source.line[length - 1] == '\n');
+  if (source.wantsPlaces) {
+    nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
+             source.line[length - 1] == '\n');
+  }
   clearReplacements(source.replacements);
-  clean(source.line);
+  source.hasMarks = clean(source.line);
   ++source.lineCounter;
-  std::fill_n(source.marked, source.markedLength, false);
-  source.markedLength = 0;
+  if (source.markedLength > 0) {
+    std::fill_n(source.marked, source.markedLength, false);
+    source.markedLength = 0;
+  }
   source.expansions = 0;
   source.position = 0;
   return kOk;

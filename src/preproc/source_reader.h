@@ -69,12 +69,13 @@ struct SourceReader {
   ExpansionCount spent;
 
   // Of the line being read.
-  int expansions = 0;    // macro calls expanded in it
-  int markedLength = 0;  // no mark is set from here on
+  bool hasMarks = false;  // as it was fetched: something that the preprocessor must look at
+  int expansions = 0;     // macro calls expanded in it
+  int markedLength = 0;   // no mark is set from here on
   // The positions that belong to a macro definition; constants there stay as they are.
   bool marked[kLineBytes] = {};
 
-  // Where the text comes from.
+  // Where the text comes from. Lines and replacements are followed only when somebody wants places.
   SourceMap map;
   LineOrigin origin;
   ReplacementList replacements;  // in the line

@@ -1,8 +1,9 @@
 // Characters go straight through, and three things are watched on their way: block comments (which
 // nest here), comments and literal lines that last to the line's end (";" and ">"), and a "#"
-// outside both, which may begin `#include |name|`.
+// outside both, which may begin `#include |name|`. What stands between these is copied as a piece.
 #include "reader/include_pass.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -13,17 +14,19 @@ namespace korvo {
 namespace {
 
 constexpr int kMostNameCharacters = 255;
-constexpr int kEnd = -1;  // of a text: no character
+constexpr int kEnd = -1;                    // of a text: no character
+constexpr std::size_t kGathered = 1 << 14;  // bytes that go to the host at once
+constexpr CharacterSet kWatched("#>;*/\n");
 
 struct Pass {
   Messages &messages;
   const Host &host;
   SourceMap &map;
   bool wantsPlaces;
-  std::int64_t flushed = 0;  // bytes of the joined text that the host has
-  std::size_t used = 0;      // and those that are gathered behind them
-  bool refused = false;      // the host could not keep all of it
-  char bytes[1 << 14] = {};
+  char *bytes;               // of the joined text, gathered: room for kGathered
+  std::size_t used = 0;      // so many
+  std::int64_t flushed = 0;  // those before them, which the host has
+  bool refused = false;      // it could not keep all of them
 };
 
 // What one level knows about the text it is in.
@@ -94,10 +97,35 @@ void put(Pass &pass, int c) {
   if (c == kEnd) {
     return;
   }
-  if (pass.used == sizeof pass.bytes) {
+  if (pass.used == kGathered) {
     flush(pass);
   }
   pass.bytes[pass.used++] = static_cast<char>(c);
+}
+
+void putPiece(Pass &pass, const char *piece, std::size_t size) {
+  while (size > 0) {
+    if (pass.used == kGathered) {
+      flush(pass);
+    }
+    std::size_t part = std::min(size, kGathered - pass.used);
+    std::memcpy(pass.bytes + pass.used, piece, part);
+    pass.used += part;
+    piece += part;
+    size -= part;
+  }
+}
+
+// Copies what is at hand before the next character that is watched.
+void copyUnwatched(Pass &pass, Level &level) {
+  const char *from = level.bytes + level.next;
+  const char *to = findIn(kWatched, from, level.bytes + level.end);
+  if (to != from) {
+    auto size = static_cast<std::size_t>(to - from);
+    putPiece(pass, from, size);
+    level.next += size;
+    level.previous = static_cast<unsigned char>(to[-1]);
+  }
 }
 
 // What is copied from here on is the text at `spot`.
@@ -221,7 +249,12 @@ ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) 
   level.input = input;
   level.spot = {addFile(pass.map, name), 1, 1};
   goOnAt(pass, level.spot);
-  for (int c = take(level); c != kEnd; c = take(level)) {
+  for (;;) {
+    copyUnwatched(pass, level);
+    int c = take(level);
+    if (c == kEnd) {
+      break;
+    }
     if (c == '#' && !level.inLine && level.depth == 0) {
       RETURN_IF_ERROR(followDirective(pass, level));
     } else {
@@ -239,7 +272,8 @@ ErrorCode copyText(Pass &pass, Level &outer, TextInput input, const char *name) 
 
 ErrorCode include_pass(Messages &messages, const Host &host, const char *name, TextInput input,
                        SourceMap &map, bool wantsPlaces) {
-  Pass pass{messages, host, map, wantsPlaces};
+  char bytes[kGathered];
+  Pass pass{messages, host, map, wantsPlaces, bytes};
   Level nothing;
   RETURN_IF_ERROR(copyText(pass, nothing, input, name));
   flush(pass);

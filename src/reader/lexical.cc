@@ -39,12 +39,8 @@ char next_char(SourceReader &source) {
   return c;
 }
 
-ErrorCode skip_blanks(SourceReader &source) {
-  for (;;) {
-    skipBlanksInLine(source.line, source.position);
-    if (current(source) != '\0') {
-      return kOk;
-    }
+ErrorCode skipToNextText(SourceReader &source) {
+  while (current(source) == '\0') {
     if (inputEnded(source)) {
       return kEndOfInput;
     }
@@ -52,7 +48,9 @@ ErrorCode skip_blanks(SourceReader &source) {
     if (error != kOk) {
       return error;
     }
+    skipBlanksInLine(source.line, source.position);
   }
+  return kOk;
 }
 
 bool is_comment_start(const SourceReader &source, CommentKind &kind) {

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 
+#include "base/characters.h"
 #include "base/error_code.h"
+#include "preproc/source_reader.h"
 
 namespace korvo {
-
-struct SourceReader;
 
 enum CommentKind { kSemicolonComment, kNestingComment };
 
@@ -17,9 +17,15 @@ enum CommentKind { kSemicolonComment, kNestingComment };
 // over.
 char next_char(SourceReader &source);
 
-// White space, further lines included; stops on the first other character. kEndOfInput when the
+// Reads on from the end of a line to the next character that is no white space. kEndOfInput when the
 // input ends first, with the position on the NUL.
-ErrorCode skip_blanks(SourceReader &source);
+ErrorCode skipToNextText(SourceReader &source);
+
+// White space, further lines included; stops on the first other character. kEndOfInput as above.
+inline ErrorCode skip_blanks(SourceReader &source) {
+  skipBlanksInLine(source.line, source.position);
+  return current(source) != '\0' ? kOk : skipToNextText(source);
+}
 
 // Whether a comment begins at the position, and which kind.
 bool is_comment_start(const SourceReader &source, CommentKind &kind);

@@ -1,11 +1,12 @@
 // A physical line comes in; what leaves is the text that the parsers see. On its way the line is
 // looked at for `#if(` and `#endif`, and scanned twice: for macro calls ("$"), then for constant
 // references ("~"). Both scans leave comments alone; the first marks what belongs to a macro
-// definition, and the second leaves that alone too.
+// definition, and the second leaves that alone too. A line without any mark goes through as it is.
 #include "reader/line_reader.h"
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "base/characters.h"
 #include "preproc/conditional.h"
@@ -17,10 +18,16 @@ namespace korvo {
 
 namespace {
 
+using std::string_view_literals::operator""sv;
+
 // A ">" at this position of the line does not turn definitions off, as it does everywhere else. An
 // oddity of old that pieces may rely on: a loop that ends exactly there leaves a "#" behind it free
 // to open a definition.
 constexpr std::int32_t kHarmlessLoopEnd = 85;
+
+// What a scan stops at outside comments, the line's end included.
+constexpr CharacterSet kMacroMarks("$#>;/\0"sv);
+constexpr CharacterSet kConstantMarks("~;/\0"sv);
 
 bool startsWith(const char *text, const char *word) {
   return std::strncmp(text, word, std::strlen(word)) == 0;
@@ -72,13 +79,24 @@ ErrorCode expandCallAt(SourceReader &source, std::int32_t &p) {
   return kOk;
 }
 
+// The next character from `p` on that is in the set.
+std::int32_t nextIn(const CharacterSet &set, const char *line, std::int32_t p) {
+  return static_cast<std::int32_t>(findIn(set, line + p) - line);
+}
+
 // The macro scan, from the position to the end of the line.
 ErrorCode scanForMacros(SourceReader &source) {
   const char *line = source.line;
   CommentState comment = source.comment;
   bool mayDefine = true;
   std::int32_t p = source.position;
-  while (line[p] != '\0') {
+  for (;;) {
+    if (comment == kNoComment && source.definitionState == 0) {
+      p = nextIn(kMacroMarks, line, p);
+    }
+    if (line[p] == '\0') {
+      break;
+    }
     if (comment == kNoComment) {
       if (line[p] == '>' && p != kHarmlessLoopEnd) {
         mayDefine = false;
@@ -115,7 +133,13 @@ ErrorCode scanForMacros(SourceReader &source) {
 ErrorCode scanForConstants(SourceReader &source) {
   CommentState comment = source.comment;
   std::int32_t p = 0;
-  while (source.line[p] != '\0') {
+  for (;;) {
+    if (comment == kNoComment) {
+      p = nextIn(kConstantMarks, source.line, p);
+    }
+    if (source.line[p] == '\0') {
+      break;
+    }
     if (comment == kNoComment && source.line[p] == '~' && !source.marked[p]) {
       source.position = p + 1;
       RETURN_IF_ERROR(ExpandConstRef(source));
@@ -144,17 +168,21 @@ ErrorCode read_line(SourceReader &source) {
   if (error != kOk) {
     return error;
   }
-  while (isSpace(current(source))) {
-    ++source.position;
+  if (!source.hasMarks && source.comment == kNoComment && source.definitionState == 0) {
+    tellExpanded(source);
+    return kOk;
   }
-  const char *start = source.line + source.position;
-  if (startsWith(start, "#if(")) {
-    ++source.position;
-    return OpenConditional(source);
-  }
-  if (startsWith(start, "#endif")) {
-    ++source.position;
-    return CloseConditional(source);
+  skipBlanksInLine(source.line, source.position);
+  if (current(source) == '#') {
+    const char *word = source.line + source.position + 1;
+    if (startsWith(word, "if(")) {
+      ++source.position;
+      return OpenConditional(source);
+    }
+    if (startsWith(word, "endif")) {
+      ++source.position;
+      return CloseConditional(source);
+    }
   }
   RETURN_IF_ERROR(scanForMacros(source));
   RETURN_IF_ERROR(scanForConstants(source));

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "base/characters.h"
+
 namespace korvo {
 
 enum CommandCode : int {
@@ -50,6 +52,10 @@ struct NameLookup {
 // when no name begins with that letter, or when the number of RE or BN is above 7. A known first
 // letter with a second letter that fits nowhere counts as found and leaves the code as it was.
 bool lookupDdfName(const char *text, std::int32_t &position, NameLookup &name);
+
+// Whether one of the two names below may begin with this character. Most of what stands in a
+// p-field is numbers.
+inline bool mayBeginName(char c) { return isLetter(c) || c == '#'; }
 
 // Whether the text at the position begins with a name that may stand in an i-block: a mode, a data
 // function, a setting or "#".

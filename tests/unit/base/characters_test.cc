@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string_view>
 
 namespace korvo {
 
@@ -35,6 +36,37 @@ TEST(Characters, BlanksInLineStopAtTheEnd) {
     skipBlanksInLine(row.text, position);
     EXPECT_EQ(position, row.to) << row.text;
   }
+}
+
+TEST(Characters, ASetHasItsMembersAndNoOthers) {
+  using std::string_view_literals::operator""sv;
+  constexpr CharacterSet kSet("a\xff\0"sv);
+  for (int code = 0; code < 256; ++code) {
+    EXPECT_EQ(contains(kSet, static_cast<char>(code)), code == 'a' || code == 255 || code == 0)
+        << code;
+  }
+}
+
+TEST(Characters, WhatIsInASetIsFoundFromAPlaceOn) {
+  constexpr CharacterSet kSet(";#");
+  const char text[] = "ab;cd#";
+  struct {
+    int from;
+    int end;
+    int found;
+  } rows[] = {{0, 6, 2}, {2, 6, 2}, {3, 6, 5}, {3, 5, 5}, {0, 2, 2}, {0, 0, 0}, {6, 6, 6}};
+  for (const auto &row : rows) {
+    EXPECT_EQ(findIn(kSet, text + row.from, text + row.end) - text, row.found) << row.from;
+  }
+}
+
+TEST(Characters, ASetWithTheNulFindsTheEndOfAText) {
+  using std::string_view_literals::operator""sv;
+  constexpr CharacterSet kSet(";\0"sv);
+  const char text[] = "ab;cd";
+  EXPECT_EQ(findIn(kSet, text) - text, 2);
+  EXPECT_EQ(findIn(kSet, text + 3) - text, 5);
+  EXPECT_EQ(findIn(kSet, text + 5) - text, 5);
 }
 
 }  // namespace

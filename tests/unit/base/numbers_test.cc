@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -235,6 +236,41 @@ TEST(Numbers, DigitsGatherInThePrecisionOfTheReader) {
       {"1.000000001", true, 1000000001.0 / 1e9, 11},
   };
   check(read_double, kDoubles);
+}
+
+// The rule to the letter: ten times what there is, and the digit, rounded every time.
+template <typename Real>
+Real gatheredDigitByDigit(const std::string &text) {
+  Real value = 0;
+  std::size_t point = text.find('.');
+  for (char c : text) {
+    value = c == '.' ? value : value * 10 + static_cast<Real>(c - '0');
+  }
+  Real divisor = 1;
+  for (std::size_t i = point + 1; i < text.size(); ++i) {
+    divisor *= 10;
+  }
+  return value / divisor;
+}
+
+// With as many digits as a precision holds and some more, in both of the places they may stand.
+TEST(Numbers, ARealIsGatheredDigitByDigit) {
+  std::uint64_t number = 1;
+  for (int i = 0; i < 20000; ++i) {
+    number = number * 6364136223846793005U + 1442695040888963407U;
+    std::string digits = std::to_string(number >> (i % 60));
+    std::size_t fraction = std::min<std::size_t>(digits.size(), i % 9);
+    std::string text = digits.insert(digits.size() - fraction, ".");
+    float single = 0;
+    double twice = 0;
+    std::int32_t position = 0;
+    ASSERT_TRUE(read_float(single, text.c_str(), position));
+    ASSERT_EQ(single, gatheredDigitByDigit<float>(text)) << text;
+    position = 0;
+    ASSERT_TRUE(read_double(twice, text.c_str(), position));
+    ASSERT_EQ(twice, gatheredDigitByDigit<double>(text)) << text;
+    ASSERT_EQ(position, static_cast<std::int32_t>(text.size())) << text;
+  }
 }
 
 // The divisor of the fraction wraps at 32 bits: 10^10 becomes 1410065408, 10^11 1215752192, 10^12

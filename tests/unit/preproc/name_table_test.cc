@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <deque>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace korvo {
 
@@ -55,6 +58,30 @@ TEST(NameTable, NamesAreComparedExactly) {
   released.clear();
   freeNames(table, release);
   EXPECT_EQ(released.size(), 6U);
+}
+
+TEST(NameTable, NamesMayDifferInAnyCharacter) {
+  NameTable table;
+  Records records;
+  std::vector<std::string> names;
+  for (std::size_t length = 1; length < 24; ++length) {
+    names.emplace_back(length, 'a');
+    for (std::size_t i = 0; i < length; ++i) {
+      names.push_back(names.back());
+      names.back()[i] = static_cast<char>('b' + i);
+    }
+  }
+  std::sort(names.begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  std::set<std::uint64_t> hashes;
+  for (const std::string &name : names) {
+    ASSERT_EQ(findName(table, name), nullptr) << name;
+    ASSERT_TRUE(addName(table, records.make(name)));
+    hashes.insert(findName(table, name)->hash);
+  }
+  EXPECT_EQ(hashes.size(), names.size());
+  released.clear();
+  freeNames(table, release);
 }
 
 TEST(NameTable, KeepsThousandsOfNames) {

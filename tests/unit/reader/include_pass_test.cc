@@ -103,6 +103,18 @@ TEST(IncludePass, CopiesAnyTextThroughUnchanged) {
   }
 }
 
+// What is copied as a piece is longer than what is read at once, and than what is written at once.
+TEST(IncludePass, CopiesLongTextsBetweenMarksUnchanged) {
+  std::string text;
+  for (int length : {1, 4095, 4096, 4097, 16383, 16384, 16385, 40000}) {
+    for (int i = 0; i < length; ++i) {
+      text += static_cast<char>('a' + i % 23);
+    }
+    text += "\n/* ; */";
+  }
+  EXPECT_EQ(splice(text).copy, text);
+}
+
 TEST(IncludePass, PutsTheFileWhereTheDirectiveStood) {
   Texts texts;
   std::string name = texts.write("inner", "one\ntwo");

@@ -1,7 +1,7 @@
-// The floor of the benchmark: a program that knows only the one common piece. It makes the same draws in the same order,
-// formats the same numbers with std::to_chars and writes them through one buffer, and its score is Korvo's to the byte.
+// What clock.py measures costs with: a plain program that draws a score of six p-fields, formats its numbers with
+// std::to_chars and writes them through one buffer. It is to stay as it is: the limits of the tests are numbers of it.
 //
-//   floor EVENTS OUTFILE
+//   yardstick EVENTS OUTFILE
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -15,8 +15,7 @@ constexpr std::size_t kLineBytes = 512;
 
 float drawUnit() { return static_cast<float>(std::rand()) * 4.656613e-10F; }
 
-// Korvo draws for the choice of a segment and for the deviation of a value even when there is nothing to choose and
-// nothing to deviate.
+// A value of a range, and the draws that Korvo makes beside it.
 float drawUniform(float low, float high, int deviations) {
   drawUnit();
   float value = low + (high - low) * drawUnit();
@@ -48,7 +47,9 @@ float drawWalk(float &position) {
 
 char *writeNumber(char *out, float value, int width) {
   char digits[64];
-  char *end = std::to_chars(digits, digits + sizeof digits, static_cast<double>(value), std::chars_format::fixed, 3).ptr;
+  char *end = std::to_chars(digits, digits + sizeof digits, static_cast<double>(value),
+                            std::chars_format::fixed, 3)
+                  .ptr;
   for (long blanks = width - (end - digits); blanks > 0; --blanks) {
     *out++ = ' ';
   }
