@@ -22,34 +22,21 @@ void releaseEvents(EventList &list) {
   list.last = kNoEvent;
 }
 
-std::uint32_t makeEvent(EventList &list) {
+bool readyEvents(EventList &list) {
   if (list.made == kMaxRecords) {
-    return kNoEvent;
+    return false;
   }
   char *&chunk = list.chunks[list.made / EventList::kChunkEvents];
   if (chunk == nullptr) {
     chunk = static_cast<char *>(
         std::malloc(static_cast<std::size_t>(EventList::kChunkEvents) * list.stride));
     if (chunk == nullptr) {
-      return kNoEvent;
+      return false;
     }
   }
-  std::uint32_t event = list.made++;
-  std::memset(&eventAt(list, event), 0, list.stride);
-  return event;
-}
-
-void appendEvent(EventList &list, std::uint32_t event) {
-  EventRecord &record = eventAt(list, event);
-  if (list.last == kNoEvent) {
-    record.next = event;
-  } else {
-    EventRecord &last = eventAt(list, list.last);
-    record.next = last.next;
-    last.next = event;
-  }
-  list.last = event;
-  ++list.count;
+  std::memset(&eventAt(list, list.made), 0,
+              static_cast<std::size_t>(EventList::kReadyEvents) * list.stride);
+  return true;
 }
 
 std::uint32_t copyEventBehind(EventList &list, std::uint32_t event) {

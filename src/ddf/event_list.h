@@ -27,6 +27,7 @@ struct EventRecord {
 struct EventList {
   static constexpr std::uint32_t kChunkEvents = 1U << 14;
   static constexpr std::uint32_t kChunkCount = kMaxRecords / kChunkEvents;
+  static constexpr std::uint32_t kReadyEvents = 1U << 6;  // cleared at a time
 
   char *chunks[kChunkCount] = {};
   std::uint32_t stride = 0;      // bytes of one event
@@ -67,12 +68,32 @@ void forEachEvent(const EventList &list, Visit visit) {
   }
 }
 
+// Makes the next EventList::kReadyEvents events ready, everything in them 0. False when memory is
+// refused or the arena is full.
+bool readyEvents(EventList &list);
+
 // Makes an event that is in no list yet, everything in it 0. kNoEvent when memory is refused or the
 // arena is full.
-std::uint32_t makeEvent(EventList &list);
+inline std::uint32_t makeEvent(EventList &list) {
+  if (list.made % EventList::kReadyEvents == 0 && !readyEvents(list)) {
+    return kNoEvent;
+  }
+  return list.made++;
+}
 
 // Links `event` behind the last one.
-void appendEvent(EventList &list, std::uint32_t event);
+inline void appendEvent(EventList &list, std::uint32_t event) {
+  EventRecord &record = eventAt(list, event);
+  if (list.last == kNoEvent) {
+    record.next = event;
+  } else {
+    EventRecord &last = eventAt(list, list.last);
+    record.next = last.next;
+    last.next = event;
+  }
+  list.last = event;
+  ++list.count;
+}
 
 // Makes a copy of `event` and links it right behind it. kNoEvent when there is no room for it, or
 // when the block would have more than kMaxEvents.
