@@ -7,6 +7,26 @@
 
 namespace korvo {
 
+namespace {
+
+bool isRest(const EventRecord &event) { return event.duration <= 0.0F; }
+
+void unlinkRests(EventList &list) {
+  std::uint32_t walked = list.count;
+  std::uint32_t event = firstEvent(list);
+  list.last = kNoEvent;
+  list.count = 0;
+  while (walked-- > 0) {
+    std::uint32_t next = eventAt(list, event).next;
+    if (!isRest(eventAt(list, event))) {
+      appendEvent(list, event);
+    }
+    event = next;
+  }
+}
+
+}  // namespace
+
 void beginEvents(EventList &list, int parameters) {
   list.parameters = static_cast<std::uint32_t>(parameters);
   list.stride = static_cast<std::uint32_t>(sizeof(EventRecord) + sizeof(float) * list.parameters);
@@ -55,19 +75,12 @@ std::uint32_t copyEventBehind(EventList &list, std::uint32_t event) {
 }
 
 std::uint32_t removeRests(EventList &list) {
-  std::uint32_t walked = list.count;
-  std::uint32_t event = firstEvent(list);
-  std::uint32_t before = list.count;
-  list.last = kNoEvent;
-  list.count = 0;
-  while (walked-- > 0) {
-    std::uint32_t next = eventAt(list, event).next;
-    if (!(eventAt(list, event).duration <= 0.0F)) {
-      appendEvent(list, event);
-    }
-    event = next;
+  std::uint32_t rests = 0;
+  forEachEvent(list, [&rests](const EventRecord &event) { rests += isRest(event) ? 1 : 0; });
+  if (rests > 0) {
+    unlinkRests(list);
   }
-  return before - list.count;
+  return rests;
 }
 
 }  // namespace korvo

@@ -8,9 +8,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "base/arithmetic.h"
 #include "base/messages.h"
+#include "base/number_format.h"
 #include "ddf/event_list.h"
 
 namespace korvo {
@@ -88,8 +90,7 @@ float latestStart(const EventList &list) {
 // Makes note-ons of all events, and a note-off for each, in the order of the list. A note-off whose
 // moment is not a number stands behind everything that was there before it: it sorts with the
 // latest moment so far.
-ErrorCode makeNotes(EventList &list, NoteOff *noteOffs) {
-  float latest = latestStart(list);
+ErrorCode makeNotes(EventList &list, float latest, NoteOff *noteOffs) {
   std::uint32_t event = firstEvent(list);
   for (std::uint32_t i = 0; i < list.count; ++i) {
     EventRecord &on = eventAt(list, event);
@@ -109,12 +110,11 @@ ErrorCode makeNotes(EventList &list, NoteOff *noteOffs) {
 
 // Sorts the note-offs into the list. They were numbered as they were made, so equal moments keep
 // the order of their notes.
-void mergeNoteOffs(EventList &list, NoteOff *noteOffs) {
+void mergeNoteOffs(EventList &list, float latest, NoteOff *noteOffs) {
   std::uint32_t notes = list.count;
   std::sort(noteOffs, noteOffs + notes, [](const NoteOff &a, const NoteOff &b) {
     return a.moment < b.moment || (a.moment == b.moment && a.event < b.event);
   });
-  float latest = latestStart(list);
   std::uint32_t on = firstEvent(list);
   std::uint32_t off = 0;
   list.last = kNoEvent;
@@ -140,12 +140,33 @@ ErrorCode insertNoteOffs(EventList &list) {
   if (noteOffs == nullptr) {
     return kOutOfMemory;
   }
-  ErrorCode error = makeNotes(list, noteOffs);
+  float latest = latestStart(list);
+  ErrorCode error = makeNotes(list, latest, noteOffs);
   if (error == kOk) {
-    mergeNoteOffs(list, noteOffs);
+    mergeNoteOffs(list, latest, noteOffs);
   }
   std::free(noteOffs);
   return error;
+}
+
+// Says where and how a note begins or ends. There are two such lines for every note, so they are
+// not composed from a format.
+void listNote(const EventList &list, const EventRecord &event, Messages &messages) {
+  char line[4 * kLongestNumber + 32];
+  char *out = line;
+  auto put = [&out](std::string_view text) { out = std::copy(text.begin(), text.end(), out); };
+  auto putReal = [&out](float value) { out = writeFixed(out, static_cast<double>(value), 7, 2); };
+  put("\n");
+  putReal(event.start);
+  put("\t");
+  putReal(event.duration);
+  put(event.flag == 1 ? "\tON\tN: " : "\tOFF\tN: ");
+  putReal(keyOf(list, event));
+  put("\tV: ");
+  putReal(velocityOf(list, event));
+  put("\t");
+  composeBytes(messages, {line, static_cast<std::size_t>(out - line)});
+  tell(messages, {});
 }
 
 // Prints the listing and counts the bytes that the events will take.
@@ -155,23 +176,17 @@ std::uint32_t listNotes(const EventList &list, Messages &messages) {
   forEachEvent(list, [&](const EventRecord &event) {
     bytes += kNoteBytes;
     bytes += static_cast<std::uint32_t>(variableLength(toTicks(event.start - previous)));
-    say(messages, "\n%f\t%f\t%s\tN: %f\tV: %f\t",
-        {event.start, event.duration, event.flag == 1 ? "ON" : "OFF", keyOf(list, event),
-         velocityOf(list, event)});
+    listNote(list, event, messages);
     previous = event.start;
   });
   return bytes;
 }
 
-void appendByte(OutputBuffer &output, unsigned byte) {
-  char c = static_cast<char>(byte);
-  append(output, &c, 1);
-}
-
 void writeChunkHeader(OutputBuffer &output, std::uint32_t length) {
   append(output, "MTrk", 4);
   for (int shift = 24; shift >= 0; shift -= 8) {
-    appendByte(output, length >> shift & 0xFFU);
+    char byte = static_cast<char>(length >> shift);
+    append(output, &byte, 1);
   }
 }
 
@@ -189,22 +204,22 @@ void writeConductorTrack(OutputBuffer &output, float endTime) {
   auto length = static_cast<std::uint32_t>(sizeof kSignatureAndTempo + sizeof kEndOfTrack - 1);
   writeChunkHeader(output, length + static_cast<std::uint32_t>(variableLength(ticks)));
   append(output, kSignatureAndTempo, sizeof kSignatureAndTempo);
-  writeVariableLength(output, ticks);
+  taken(output, writeVariableLength(room(output, kLongestQuantity), ticks));
   append(output, kEndOfTrack + 1, sizeof kEndOfTrack - 1);
 }
 
 // The low byte of a number, its fraction dropped.
-unsigned lowByte(float value) {
-  return static_cast<unsigned>(toInt64(static_cast<double>(value)) & 0xFF);
-}
+char lowByte(float value) { return static_cast<char>(toInt64(static_cast<double>(value))); }
 
 void writeNote(OutputBuffer &output, const EventList &list, const EventRecord &event,
                float previous) {
-  writeVariableLength(output, toTicks(event.start - previous));
+  char *out = room(output, kLongestQuantity + kNoteBytes);
+  out = writeVariableLength(out, toTicks(event.start - previous));
   bool on = event.flag == 1;
-  appendByte(output, on ? 0x90U : 0x80U);
-  appendByte(output, lowByte(keyOf(list, event)));
-  appendByte(output, on ? lowByte(velocityOf(list, event)) : 0x40U);
+  *out++ = on ? '\x90' : '\x80';
+  *out++ = lowByte(keyOf(list, event));
+  *out++ = on ? lowByte(velocityOf(list, event)) : '\x40';
+  taken(output, out);
 }
 
 void writeNoteTrack(OutputBuffer &output, const EventList &list, std::uint32_t byteCount) {
@@ -240,11 +255,12 @@ int variableLength(std::uint64_t quantity) {
   return bytes;
 }
 
-void writeVariableLength(OutputBuffer &output, std::uint64_t quantity) {
+char *writeVariableLength(char *out, std::uint64_t quantity) {
   for (int group = variableLength(quantity) - 1; group >= 0; --group) {
     auto bits = static_cast<unsigned>(quantity >> (7 * group) & 0x7FU);
-    appendByte(output, group > 0 ? bits | 0x80U : bits);
+    *out++ = static_cast<char>(group > 0 ? bits | 0x80U : bits);
   }
+  return out;
 }
 
 }  // namespace korvo

@@ -21,8 +21,9 @@ ErrorCode prepareMidi(EventList &list, Messages &messages, std::uint32_t &byteCo
 void MidiWriter(const EventList &list, OutputBuffer &output, std::uint32_t byteCount);
 
 // The length of a variable-length quantity, and the quantity itself: seven bits a byte, the highest
-// first, bit 7 set on all but the last.
+// first, bit 7 set on all but the last. Writing it gives the end of what is written.
+inline constexpr int kLongestQuantity = 10;
 int variableLength(std::uint64_t quantity);
-void writeVariableLength(OutputBuffer &output, std::uint64_t quantity);
+char *writeVariableLength(char *out, std::uint64_t quantity);
 
 }  // namespace korvo
