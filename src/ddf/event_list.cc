@@ -43,7 +43,7 @@ void releaseEvents(EventList &list) {
 }
 
 bool readyEvents(EventList &list) {
-  if (list.made == kMaxRecords) {
+  if (list.made == kMaxEvents) {
     return false;
   }
   char *&chunk = list.chunks[list.made / EventList::kChunkEvents];

@@ -12,11 +12,9 @@ namespace korvo {
 
 inline constexpr std::uint32_t kNoEvent = 0xFFFFFFFFU;
 inline constexpr std::uint32_t kMaxEvents = 67108864;  // in one i-block
-// A MIDI file adds a note-off to every event.
-inline constexpr std::uint32_t kMaxRecords = 2 * kMaxEvents;
 
 struct EventRecord {
-  // 1: inserted to start together with the event before it. In a MIDI file 1 note-on, 0 note-off.
+  // 1: inserted to start together with the event before it.
   std::int32_t flag;
   float start;     // seconds
   float duration;  // seconds; P2 leaves the rhythm here until P3 replaces it; 0 or less is a rest
@@ -26,7 +24,7 @@ struct EventRecord {
 
 struct EventList {
   static constexpr std::uint32_t kChunkEvents = 1U << 14;
-  static constexpr std::uint32_t kChunkCount = kMaxRecords / kChunkEvents;
+  static constexpr std::uint32_t kChunkCount = kMaxEvents / kChunkEvents;
   static constexpr std::uint32_t kReadyEvents = 1U << 6;  // cleared at a time
 
   char *chunks[kChunkCount] = {};
