@@ -2,7 +2,6 @@
 #include "base/arithmetic.h"
 
 #include <cmath>
-#include <limits>
 
 namespace korvo {
 
@@ -33,19 +32,6 @@ float subtractRepeatedly(float r, float m) {
   return r;
 }
 
-template <typename Integer>
-Integer toInteger(double value) {
-  constexpr Integer kLow = std::numeric_limits<Integer>::min();
-  constexpr Integer kHigh = std::numeric_limits<Integer>::max();
-  if (std::isnan(value)) {
-    return 0;
-  }
-  if (value <= static_cast<double>(kLow)) {
-    return kLow;
-  }
-  return value >= static_cast<double>(kHigh) ? kHigh : static_cast<Integer>(value);
-}
-
 }  // namespace
 
 double roundHalfUp(double value) {
@@ -63,17 +49,14 @@ float remainderOf(float a, float b) {
     return 0.0F;
   }
   float m = std::fabs(b);
+  if (a > 0.0F && a < m) {
+    return a;
+  }
   float r = a - std::trunc(a / m) * m;
   if (r > m) {
     return subtractRepeatedly(r, m);
   }
   return -r > m ? -subtractRepeatedly(-r, m) : r;
 }
-
-std::int64_t toInt64(double value) { return toInteger<std::int64_t>(value); }
-
-std::int32_t toInt32(double value) { return toInteger<std::int32_t>(value); }
-
-std::uint64_t toUint64(double value) { return toInteger<std::uint64_t>(value); }
 
 }  // namespace korvo

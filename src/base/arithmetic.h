@@ -1,7 +1,9 @@
 // The arithmetic that the whole program shares, each rule in one place.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace korvo {
 
@@ -18,8 +20,20 @@ float remainderOf(float a, float b);
 
 // A real number as an integer, the fraction dropped. Not-a-number is 0; what lies beyond the range
 // is its nearest end.
-std::int64_t toInt64(double value);
-std::int32_t toInt32(double value);
-std::uint64_t toUint64(double value);
+template <typename Integer>
+Integer toInteger(double value) {
+  constexpr Integer kLow = std::numeric_limits<Integer>::min();
+  constexpr Integer kHigh = std::numeric_limits<Integer>::max();
+  if (std::isnan(value)) {
+    return 0;
+  }
+  if (value <= static_cast<double>(kLow)) {
+    return kLow;
+  }
+  return value >= static_cast<double>(kHigh) ? kHigh : static_cast<Integer>(value);
+}
+inline std::int64_t toInt64(double value) { return toInteger<std::int64_t>(value); }
+inline std::int32_t toInt32(double value) { return toInteger<std::int32_t>(value); }
+inline std::uint64_t toUint64(double value) { return toInteger<std::uint64_t>(value); }
 
 }  // namespace korvo

@@ -34,14 +34,19 @@ void composeArgument(Messages &messages, const MessageArgument &argument) {
   }
 }
 
+bool isAround(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+
 // The text without line ends and blanks around it.
 std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kAround = " \t\n";
-  std::size_t first = text.find_first_not_of(kAround);
-  if (first == std::string_view::npos) {
-    return {};
+  const char *begin = text.data();
+  const char *end = begin + text.size();
+  while (begin != end && isAround(*begin)) {
+    ++begin;
   }
-  return text.substr(first, text.find_last_not_of(kAround) - first + 1);
+  while (begin != end && isAround(end[-1])) {
+    --end;
+  }
+  return begin == end ? std::string_view() : written(begin, end);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 // Nearly every number in a score began as a single-precision float. Such a value times a small
 // power of ten is exact in double precision, so rounding the product to an integer (ties to even)
 // is the rounding that printf does on the exact decimal value; what is left is to write an integer
-// and set the point. Every other number is a whole one of 53 bits times a power of two: times the
+// and set the point. Its digits are made eight at a time in one word. Every other number is a whole one of 53 bits times a power of two: times the
 // power of ten it fits into 128 bits, where it is shifted and rounded; or it has no fraction at all.
 #include "base/number_format.h"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -16,12 +18,14 @@ namespace {
 constexpr double kPowersOfTen[] = {1.0, 10.0, 100.0, 1000.0, 1e4, 1e5, 1e6, 1e7};
 constexpr int kMostQuickDecimals = 7;
 
-// Doubles from here on are whole numbers. Adding it to a smaller one and taking it away again
-// rounds that one to an integer, ties to even.
+// Doubles from here on are whole numbers. Adding it to a smaller one rounds that one to an integer,
+// ties to even, which then stands in the fraction of the sum.
 constexpr double kWholeFrom = 4503599627370496.0;
+constexpr std::uint64_t kFractionBits = 0xFFFFFFFFFFFFFU;
 
 using Wide = unsigned __int128;
 
+constexpr int kQuickWidth = 16;
 constexpr int kQuickRoom = 24;  // 20 digits, the point and the sign
 
 // Moves the text at `begin`, `length` characters long, to the right until it ends at column
@@ -42,6 +46,88 @@ char *writeWord(char *out, bool negative, const char *word, int width) {
   }
   std::memcpy(end, word, 3);
   return alignRight(out, static_cast<int>(end + 3 - out), width);
+}
+
+// Eight characters in a word, the first in its lowest byte. Written out, since so a compiler makes
+// one move of it.
+void writeEight(char *out, std::uint64_t characters) {
+  out[0] = static_cast<char>(characters);
+  out[1] = static_cast<char>(characters >> 8);
+  out[2] = static_cast<char>(characters >> 16);
+  out[3] = static_cast<char>(characters >> 24);
+  out[4] = static_cast<char>(characters >> 32);
+  out[5] = static_cast<char>(characters >> 40);
+  out[6] = static_cast<char>(characters >> 48);
+  out[7] = static_cast<char>(characters >> 56);
+}
+
+// The eight digits of a number below kEightDigits, the first in the lowest byte. Halves of four
+// digits lie side by side, are halved to two and to one, each time all at once: a multiplication
+// and a shift divide by 100 and by 10.
+inline std::uint64_t eightDigits(std::uint64_t number) {
+  std::uint64_t fours = number / 10000 | number % 10000 << 32;
+  std::uint64_t hundreds = fours * 10486 >> 20 & 0x0000007F0000007FU;
+  std::uint64_t twos = hundreds | (fours - 100 * hundreds) << 16;
+  std::uint64_t tens = twos * 103 >> 10 & 0x000F000F000F000FU;
+  return tens | (twos - 10 * tens) << 8;
+}
+
+constexpr std::uint64_t kEightDigits = 100000000;
+constexpr std::uint64_t kEightZeros = 0x3030303030303030U;
+
+// The zeros that a word of digits begins with, less those that are wanted before `decimals` others.
+int leadingZeros(std::uint64_t digits, int decimals) {
+  constexpr std::uint64_t kLast = std::uint64_t{1} << 56;
+  return std::countr_zero(digits | kLast >> (8 * decimals)) / 8;
+}
+
+// Writes blanks and the sign before a number of `length` characters, sign included, which will end
+// at column `width`.
+char *writeLead(char *out, bool negative, int length, int width) {
+  std::memset(out, ' ', kQuickWidth);
+  char *begin = out + (width - length);
+  *begin = '-';
+  return begin + (negative ? 1 : 0);
+}
+
+// Puts the point into digits that end at `end`, or rather writes the last of them anew behind it.
+char *writeDecimals(char *end, std::uint64_t digits, int decimals) {
+  if (decimals > 0) {
+    *(end - decimals - 1) = '.';
+    writeEight(end - decimals, digits >> (8 * (8 - decimals)));
+  }
+  return end;
+}
+
+// Writes a number of up to 8 digits to a column of no more than kQuickWidth. Whole words are
+// written; what is too much of one is written over by what comes next. Where a number ends does not
+// hang on its digits unless it is too long for its column, so that a processor can begin with the
+// next one before it knows them.
+char *writeEightDigits(char *out, bool negative, std::uint64_t scaled, int width, int decimals) {
+  std::uint64_t digits = eightDigits(scaled);
+  int zeros = leadingZeros(digits, decimals);
+  int length = 8 - zeros + (decimals > 0 ? 1 : 0) + (negative ? 1 : 0);
+  if (length > width) {
+    return writeEightDigits(out, negative, scaled, length, decimals);
+  }
+  digits |= kEightZeros;
+  writeEight(writeLead(out, negative, length, width), digits >> (8 * zeros));
+  return writeDecimals(out + width, digits, decimals);
+}
+
+// The same for a number of up to 16 digits.
+char *writeSixteenDigits(char *out, bool negative, std::uint64_t scaled, int width, int decimals) {
+  std::uint64_t high = eightDigits(scaled / kEightDigits);
+  std::uint64_t low = eightDigits(scaled % kEightDigits);
+  int zeros = leadingZeros(high, 0);
+  int length = 16 - zeros + (decimals > 0 ? 1 : 0) + (negative ? 1 : 0);
+  if (length > width) {
+    return writeSixteenDigits(out, negative, scaled, length, decimals);
+  }
+  char *begin = writeLead(out, negative, length, width);
+  writeEight(begin, (high | kEightZeros) >> (8 * zeros));
+  writeEight(begin + 8 - zeros, low | kEightZeros);
+  return writeDecimals(out + width, low | kEightZeros, decimals);
 }
 
 // The digits of `scaled` with the point before the last `decimals` of them, made from the right.
@@ -167,7 +253,8 @@ Wide scaleAndRound(const Parts &parts, int decimals) {
   return parts.power > -kWideBits ? shiftAndRound(scaled, -parts.power) : 0;
 }
 
-// Whether a number is a single-precision one that a double holds exactly when it has been scaled.
+// Whether a number is a single-precision one that a double holds exactly when it has been scaled;
+// one that is not finite is none.
 bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
   bool isSingle = static_cast<double>(static_cast<float>(magnitude)) == magnitude;
   if (!isSingle || decimals > kMostQuickDecimals) {
@@ -177,31 +264,36 @@ bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
   if (!(product < kWholeFrom)) {
     return false;
   }
-  scaled = static_cast<std::uint64_t>((product + kWholeFrom) - kWholeFrom);
+  scaled = std::bit_cast<std::uint64_t>(product + kWholeFrom) & kFractionBits;
   return true;
+}
+
+// Any number. Out of line, so that the room that it needs on the stack is no load for the others.
+[[gnu::noinline]] char *writeExactly(char *out, double value, int width, int decimals) {
+  bool negative = std::signbit(value);
+  if (!std::isfinite(value)) {
+    return writeWord(out, negative, std::isnan(value) ? "nan" : "inf", width);
+  }
+  Parts parts = takeApart(std::fabs(value));
+  if (parts.power > 0) {
+    return writeWhole(out, negative, parts.mantissa, parts.power, width, decimals);
+  }
+  Wide wide = scaleAndRound(parts, decimals);
+  auto scaled = static_cast<std::uint64_t>(wide);
+  return scaled == wide ? writePointed(out, negative, scaled, width, decimals)
+                        : writeWide(out, negative, wide, width, decimals);
 }
 
 }  // namespace
 
 char *writeFixed(char *out, double value, int width, int decimals) {
-  bool negative = std::signbit(value);
-  if (!std::isfinite(value)) {
-    return writeWord(out, negative, std::isnan(value) ? "nan" : "inf", width);
-  }
-  double magnitude = std::fabs(value);
   std::uint64_t scaled = 0;
-  if (!scaleQuickly(magnitude, decimals, scaled)) {
-    Parts parts = takeApart(magnitude);
-    if (parts.power > 0) {
-      return writeWhole(out, negative, parts.mantissa, parts.power, width, decimals);
-    }
-    Wide wide = scaleAndRound(parts, decimals);
-    scaled = static_cast<std::uint64_t>(wide);
-    if (scaled != wide) {
-      return writeWide(out, negative, wide, width, decimals);
-    }
+  if (width > kQuickWidth || !scaleQuickly(std::fabs(value), decimals, scaled)) {
+    return writeExactly(out, value, width, decimals);
   }
-  return writePointed(out, negative, scaled, width, decimals);
+  bool negative = std::signbit(value);
+  return scaled < kEightDigits ? writeEightDigits(out, negative, scaled, width, decimals)
+                               : writeSixteenDigits(out, negative, scaled, width, decimals);
 }
 
 char *writeInteger(char *out, std::int64_t value, int width) {

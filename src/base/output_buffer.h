@@ -14,15 +14,22 @@ struct OutputBuffer {
   char bytes[1 << 17];
 };
 
-// Room for `length` bytes (at most 4096); the caller fills it and calls `taken` with the end of
-// what it wrote.
-char *room(OutputBuffer &buffer, std::size_t length);
-void taken(OutputBuffer &buffer, const char *end);
+// Hands over what is gathered.
+void flushOutput(OutputBuffer &buffer);
+
+// Room for `length` bytes, no more than the buffer holds; the caller fills it and calls `taken` with
+// the end of what it wrote.
+inline char *room(OutputBuffer &buffer, std::size_t length) {
+  if (sizeof buffer.bytes - buffer.used < length) {
+    flushOutput(buffer);
+  }
+  return buffer.bytes + buffer.used;
+}
+inline void taken(OutputBuffer &buffer, const char *end) {
+  buffer.used = static_cast<std::size_t>(end - buffer.bytes);
+}
 
 // Appends `length` bytes, no more than the buffer holds.
 void append(OutputBuffer &buffer, const char *bytes, std::size_t length);
-
-// Hands over what is gathered.
-void flushOutput(OutputBuffer &buffer);
 
 }  // namespace korvo

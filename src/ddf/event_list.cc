@@ -7,6 +7,26 @@
 
 namespace korvo {
 
+namespace {
+
+bool isRest(const EventRecord &event) { return event.duration <= 0.0F; }
+
+void unlinkRests(EventList &list) {
+  std::uint32_t walked = list.count;
+  std::uint32_t event = firstEvent(list);
+  list.last = kNoEvent;
+  list.count = 0;
+  while (walked-- > 0) {
+    std::uint32_t next = eventAt(list, event).next;
+    if (!isRest(eventAt(list, event))) {
+      appendEvent(list, event);
+    }
+    event = next;
+  }
+}
+
+}  // namespace
+
 void beginEvents(EventList &list, int parameters) {
   list.parameters = static_cast<std::uint32_t>(parameters);
   list.stride = static_cast<std::uint32_t>(sizeof(EventRecord) + sizeof(float) * list.parameters);
@@ -22,34 +42,21 @@ void releaseEvents(EventList &list) {
   list.last = kNoEvent;
 }
 
-std::uint32_t makeEvent(EventList &list) {
-  if (list.made == kMaxRecords) {
-    return kNoEvent;
+bool readyEvents(EventList &list) {
+  if (list.made == kMaxEvents) {
+    return false;
   }
   char *&chunk = list.chunks[list.made / EventList::kChunkEvents];
   if (chunk == nullptr) {
     chunk = static_cast<char *>(
         std::malloc(static_cast<std::size_t>(EventList::kChunkEvents) * list.stride));
     if (chunk == nullptr) {
-      return kNoEvent;
+      return false;
     }
   }
-  std::uint32_t event = list.made++;
-  std::memset(&eventAt(list, event), 0, list.stride);
-  return event;
-}
-
-void appendEvent(EventList &list, std::uint32_t event) {
-  EventRecord &record = eventAt(list, event);
-  if (list.last == kNoEvent) {
-    record.next = event;
-  } else {
-    EventRecord &last = eventAt(list, list.last);
-    record.next = last.next;
-    last.next = event;
-  }
-  list.last = event;
-  ++list.count;
+  std::memset(&eventAt(list, list.made), 0,
+              static_cast<std::size_t>(EventList::kReadyEvents) * list.stride);
+  return true;
 }
 
 std::uint32_t copyEventBehind(EventList &list, std::uint32_t event) {
@@ -68,19 +75,12 @@ std::uint32_t copyEventBehind(EventList &list, std::uint32_t event) {
 }
 
 std::uint32_t removeRests(EventList &list) {
-  std::uint32_t walked = list.count;
-  std::uint32_t event = firstEvent(list);
-  std::uint32_t before = list.count;
-  list.last = kNoEvent;
-  list.count = 0;
-  while (walked-- > 0) {
-    std::uint32_t next = eventAt(list, event).next;
-    if (!(eventAt(list, event).duration <= 0.0F)) {
-      appendEvent(list, event);
-    }
-    event = next;
+  std::uint32_t rests = 0;
+  forEachEvent(list, [&rests](const EventRecord &event) { rests += isRest(event) ? 1 : 0; });
+  if (rests > 0) {
+    unlinkRests(list);
   }
-  return before - list.count;
+  return rests;
 }
 
 }  // namespace korvo

@@ -12,11 +12,9 @@ namespace korvo {
 
 inline constexpr std::uint32_t kNoEvent = 0xFFFFFFFFU;
 inline constexpr std::uint32_t kMaxEvents = 67108864;  // in one i-block
-// A MIDI file adds a note-off to every event.
-inline constexpr std::uint32_t kMaxRecords = 2 * kMaxEvents;
 
 struct EventRecord {
-  // 1: inserted to start together with the event before it. In a MIDI file 1 note-on, 0 note-off.
+  // 1: inserted to start together with the event before it.
   std::int32_t flag;
   float start;     // seconds
   float duration;  // seconds; P2 leaves the rhythm here until P3 replaces it; 0 or less is a rest
@@ -26,7 +24,8 @@ struct EventRecord {
 
 struct EventList {
   static constexpr std::uint32_t kChunkEvents = 1U << 14;
-  static constexpr std::uint32_t kChunkCount = kMaxRecords / kChunkEvents;
+  static constexpr std::uint32_t kChunkCount = kMaxEvents / kChunkEvents;
+  static constexpr std::uint32_t kReadyEvents = 1U << 6;  // cleared at a time
 
   char *chunks[kChunkCount] = {};
   std::uint32_t stride = 0;      // bytes of one event
@@ -67,12 +66,32 @@ void forEachEvent(const EventList &list, Visit visit) {
   }
 }
 
+// Makes the next EventList::kReadyEvents events ready, everything in them 0. False when memory is
+// refused or the arena is full.
+bool readyEvents(EventList &list);
+
 // Makes an event that is in no list yet, everything in it 0. kNoEvent when memory is refused or the
 // arena is full.
-std::uint32_t makeEvent(EventList &list);
+inline std::uint32_t makeEvent(EventList &list) {
+  if (list.made % EventList::kReadyEvents == 0 && !readyEvents(list)) {
+    return kNoEvent;
+  }
+  return list.made++;
+}
 
 // Links `event` behind the last one.
-void appendEvent(EventList &list, std::uint32_t event);
+inline void appendEvent(EventList &list, std::uint32_t event) {
+  EventRecord &record = eventAt(list, event);
+  if (list.last == kNoEvent) {
+    record.next = event;
+  } else {
+    EventRecord &last = eventAt(list, list.last);
+    record.next = last.next;
+    last.next = event;
+  }
+  list.last = event;
+  ++list.count;
+}
 
 // Makes a copy of `event` and links it right behind it. kNoEvent when there is no room for it, or
 // when the block would have more than kMaxEvents.

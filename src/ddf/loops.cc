@@ -58,10 +58,7 @@ bool loopMarker(PfieldState &pfield, char mark) {
   return true;
 }
 
-bool recordValue(PfieldState &pfield, float value) {
-  if (!pfield.looping) {
-    return true;
-  }
+bool recordLoopValue(PfieldState &pfield, float value) {
   LoopRecord &loop = pfield.loop;
   if (!makeRoom(loop.entries, loop.capacity, loop.count + 1)) {
     return false;

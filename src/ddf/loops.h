@@ -2,10 +2,10 @@
 #pragma once
 
 #include "base/error_code.h"
+#include "ddf/pfield_state.h"
 
 namespace korvo {
 
-struct PfieldState;
 struct Generation;
 struct SourceReader;
 
@@ -15,7 +15,10 @@ bool loopMarker(PfieldState &pfield, char mark);
 
 // Records the value of the event filled last if a loop is open, and whether that event was
 // inserted. False when memory is refused.
-bool recordValue(PfieldState &pfield, float value);
+bool recordLoopValue(PfieldState &pfield, float value);
+inline bool recordValue(PfieldState &pfield, float value) {
+  return !pfield.looping || recordLoopValue(pfield, value);
+}
 
 // Gives every event that has no value yet one: the values of the loop over and over, or, without a
 // loop, the last value. Draws as the value steps say, in the order of the events. Errors 32, 54.

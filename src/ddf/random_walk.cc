@@ -53,11 +53,7 @@ float stepWithin(Random &random, float position, float window) {
     low = 1.0F - window;
     high = 1.0F;
   }
-  float u = 0.0F;
-  do {
-    u = drawUnit(random);
-  } while (u < low || u > high);
-  return u;
+  return drawUnitWithin(random, low, high);
 }
 
 }  // namespace

@@ -24,8 +24,6 @@ float drawNonZero(Random &random) {
   return u;
 }
 
-float uniform(Random &random) { return drawUnit(random); }
-
 float towardsLow(Random &random) {
   double weight =
       logarithm(static_cast<double>(drawNonZero(random))) / static_cast<double>(-6.9078F);
@@ -73,8 +71,9 @@ float bothEnds(Random &random) {
   }
 }
 
-constexpr float (*kWeights[])(Random &) = {uniform, towardsLow,        towardsHigh, triangular,
-                                           bell,    doubleExponential, bothEnds};
+// From type 1 on.
+constexpr float (*kWeights[])(Random &) = {towardsLow, towardsHigh,       triangular,
+                                           bell,       doubleExponential, bothEnds};
 
 }  // namespace
 
@@ -88,9 +87,6 @@ int takeDistribution(const char *text, std::int32_t &position) {
   return static_cast<int>(found - kLetters);
 }
 
-float drawFromRange(Random &random, const Range &range) {
-  float weight = kWeights[range.distribution](random);
-  return range.low + (range.high - range.low) * weight;
-}
+float drawWeight(Random &random, int distribution) { return kWeights[distribution - 1](random); }
 
 }  // namespace korvo

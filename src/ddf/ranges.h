@@ -3,11 +3,10 @@
 
 #include <cstdint>
 
+#include "base/random.h"
 #include "ddf/segment_table.h"
 
 namespace korvo {
-
-struct Random;
 
 // The type letters that may open a bracket: none or "f" is type 0.
 //   0 f  uniform
@@ -21,8 +20,15 @@ struct Random;
 // there is none.
 int takeDistribution(const char *text, std::int32_t &position);
 
+// A weight in 0..1 of a distribution other than type 0.
+float drawWeight(Random &random, int distribution);
+
 // A value of the range. Draws: type 0 one; 1 and 2 one, again while it is 0; 3 two; 4 twelve; 5
 // one, again while it is 0 or 1; 6 pairs (each again while 0) until the pair fits.
-float drawFromRange(Random &random, const Range &range);
+inline float drawFromRange(Random &random, const Range &range) {
+  float weight =
+      range.distribution == 0 ? drawUnit(random) : drawWeight(random, range.distribution);
+  return range.low + (range.high - range.low) * weight;
+}
 
 }  // namespace korvo

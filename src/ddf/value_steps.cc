@@ -20,25 +20,6 @@ namespace {
 
 constexpr int kMostStuckEvents = 65536;
 
-// A value spread by a fraction of itself around itself. One draw.
-float deviate(Random &random, float value, float fraction) {
-  float u = drawUnit(random);
-  float d = value * fraction;
-  return value - d / 2.0F + d * u;
-}
-
-bool isMeasuredInBeats(const Generation &making) { return making.block.target == 0; }
-
-void countEvent(Generation &making) {
-  ++making.pfield.filled;
-  making.pfield.dataSeen = true;
-  if (countStep(making.steps)) {
-    char stage[16] = "P";
-    *writeInteger(stage + 1, making.pfield.number, 0) = '\0';
-    tellProgress(making, stage, making.pfield.filled);
-  }
-}
-
 // Where the new event starts: with the event before it when that was asked for, else behind it.
 void placeEvent(Generation &making, std::uint32_t made) {
   EventRecord &event = eventAt(making.events, made);
@@ -85,15 +66,16 @@ float durationCode(float magnitude) {
 
 }  // namespace
 
-bool blockIsFull(const Generation &making) {
-  return isMeasuredInBeats(making) ? making.global.tempo.beat >= making.block.endBeat
-                                   : making.pfield.filled >= making.block.target;
-}
-
 bool exceedsBlock(const Generation &making, std::int64_t more) {
   std::int64_t wanted = std::min(more, making.block.target - making.pfield.filled);
   return !isMeasuredInBeats(making) &&
          wanted > static_cast<std::int64_t>(kMaxEvents - making.events.count);
+}
+
+void tellValues(const Generation &making) {
+  char stage[16] = "P";
+  *writeInteger(stage + 1, making.pfield.number, 0) = '\0';
+  tellProgress(making, stage, making.pfield.filled);
 }
 
 void startClock(Generation &making) {
@@ -126,29 +108,13 @@ ErrorCode startStep(Generation &making, float value, ZeroInterval zero) {
   return moveClock(making, value);
 }
 
-std::uint32_t peekNextEvent(const Generation &making) {
-  std::uint32_t cursor = making.pfield.cursor;
-  return cursor == kNoEvent ? firstEvent(making.events) : eventAt(making.events, cursor).next;
-}
-
-ErrorCode insertPending(Generation &making) {
-  if (!making.pfield.insertRequest) {
-    return kOk;
-  }
+ErrorCode insertCopy(Generation &making) {
   making.pfield.insertRequest = false;
   making.pfield.inserted = copyEventBehind(making.events, making.pfield.cursor);
   if (making.pfield.inserted == kNoEvent) {
     return kOutOfMemory;
   }
   eventAt(making.events, making.pfield.inserted).flag = 1;
-  return kOk;
-}
-
-ErrorCode nextEvent(Generation &making, EventRecord *&event) {
-  RETURN_IF_ERROR(insertPending(making));
-  making.pfield.cursor = peekNextEvent(making);
-  event = &eventAt(making.events, making.pfield.cursor);
-  countEvent(making);
   return kOk;
 }
 
@@ -173,17 +139,6 @@ void durationStep(Generation &making, SourceReader &source, EventRecord &event, 
     duration = x * (60.0F / making.global.tempo.current);
   }
   event.duration = duration * making.global.settings.pf;
-}
-
-float parameterStep(Generation &making, EventRecord &event, float value) {
-  value =
-      deviate(making.global.random, value, making.global.settings.rd + making.global.settings.dv);
-  bool isPitch = making.pfield.inputMode == kNO || making.pfield.inputMode == kOP;
-  if (isPitch && !making.global.name.quarterTones) {
-    value = roundHalfUp(value);
-  }
-  valuesOf(event)[making.pfield.number - 4] = value * making.global.settings.pf;
-  return value;
 }
 
 ErrorCode applyValue(Generation &making, SourceReader &source, float value) {

@@ -26,15 +26,28 @@ struct BlockSummary {
   float beats = 0.0F;    // from the first beat position to the last
 };
 
-BlockSummary summarize(const EventList &list) {
+void finishSummary(BlockSummary &summary, const EventRecord &first, const EventRecord &last) {
+  summary.seconds = summary.end - static_cast<double>(first.start);
+  summary.beats = last.beat - first.beat;
+}
+
+BlockSummary summarizeEvents(const EventList &list) {
   BlockSummary summary;
-  const EventRecord &first = eventAt(list, firstEvent(list));
   summary.count = list.count;
   forEachEvent(list, [&summary](const EventRecord &event) {
     summary.end = std::max(summary.end, static_cast<double>(event.start + event.duration));
   });
-  summary.seconds = summary.end - static_cast<double>(first.start);
-  summary.beats = eventAt(list, list.last).beat - first.beat;
+  finishSummary(summary, eventAt(list, firstEvent(list)), eventAt(list, list.last));
+  return summary;
+}
+
+// Note-ons and note-offs are counted.
+BlockSummary summarizeNotes(const EventList &list, const MidiTrack &track) {
+  BlockSummary summary;
+  summary.count = 2 * static_cast<std::int64_t>(list.count);
+  summary.end = track.end;
+  const NoteOff &last = track.noteOffs[list.count - 1];
+  finishSummary(summary, eventAt(list, firstEvent(list)), eventAt(list, last.event));
   return summary;
 }
 
@@ -86,9 +99,18 @@ void tellBlock(const Generation &making) {
   listener.block(listener.context, view);
 }
 
-// Writes the block in the form of the run. `written` tells whether there was anything to write.
-ErrorCode writeBlock(Generation &making, OutputBuffer &output, bool &written) {
-  written = false;
+ErrorCode writeMidi(Generation &making, OutputBuffer &output, BlockSummary &summary) {
+  MidiTrack track;
+  RETURN_IF_ERROR(prepareMidi(making.events, *making.messages, track));
+  MidiWriter(making.events, track, output);
+  summary = summarizeNotes(making.events, track);
+  freeMidiTrack(track);
+  return kOk;
+}
+
+// Writes the block in the form of the run. A summary that counts nothing tells that there was
+// nothing to write.
+ErrorCode writeBlock(Generation &making, OutputBuffer &output, BlockSummary &summary) {
   if (making.events.count == 0) {
     return kOk;
   }
@@ -102,13 +124,10 @@ ErrorCode writeBlock(Generation &making, OutputBuffer &output, bool &written) {
   }
   tellBlock(making);
   if (making.midi) {
-    std::uint32_t byteCount = 0;
-    RETURN_IF_ERROR(prepareMidi(making.events, *making.messages, byteCount));
-    MidiWriter(making.events, output, byteCount);
-  } else {
-    ScoreWriter(making, output);
+    return writeMidi(making, output, summary);
   }
-  written = true;
+  ScoreWriter(making, output);
+  summary = summarizeEvents(making.events);
   return kOk;
 }
 
@@ -128,10 +147,9 @@ ErrorCode BlockDriver(Generation &making, SourceReader &source, OutputBuffer &ou
   if (parsed == kEndOfInput) {
     releaseEvents(making.events);
   }
-  bool written = false;
-  RETURN_IF_ERROR(writeBlock(making, output, written));
-  if (written) {
-    BlockSummary summary = summarize(making.events);
+  BlockSummary summary;
+  RETURN_IF_ERROR(writeBlock(making, output, summary));
+  if (summary.count > 0) {
     source.values.cumulativeSeconds = std::max(source.values.cumulativeSeconds, summary.end);
     source.values.lastBlockSeconds = summary.seconds;
     tellSummary(making.block, summary, *making.messages);

@@ -1,16 +1,19 @@
 // Every sounding event is a note-on, and gets a note-off at its end. In the track a note-off stands
 // behind everything that starts no later than it, so also behind a note-on at the same moment;
 // among note-offs of one moment the one whose note began first comes first. That is an order by
-// time, and it is made by sorting, however long notes overlap.
+// time, and it is made by sorting, however long notes overlap. A note-off is no event of its own: it
+// is known by the event that it ends.
 #include "output/midi_writer.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "base/arithmetic.h"
 #include "base/messages.h"
+#include "base/number_format.h"
 #include "ddf/event_list.h"
 
 namespace korvo {
@@ -19,7 +22,8 @@ namespace {
 
 constexpr float kTicksPerSecond = 480.0F;
 constexpr double kVelocityFactor = 0.003875850703452;  // 127 / 32767
-constexpr float kNoteOffAmplitude = 15480.47265625F;   // becomes velocity 60 in the listing
+constexpr float kNoteOffAmplitude =
+    static_cast<float>(static_cast<double>(15480.47265625F) * kVelocityFactor);
 constexpr float kKeys = 128.0F;
 constexpr float kDefaultVelocity = 64.0F;  // of a block without P4
 constexpr float kNoteOffVelocity = 60.0F;  // of its note-offs, in the listing
@@ -27,28 +31,12 @@ constexpr float kDefaultKey = 60.0F;       // of a block without P5
 constexpr std::uint32_t kNoteBytes = 3;    // of a note event behind its delta
 constexpr char kEndOfTrack[] = {'\x00', '\xff', '\x2f', '\x00'};
 
-// A note-off to be put into the list: the moment it is sorted by, and its event.
-struct NoteOff {
-  float moment;
-  std::uint32_t event;
-};
-
 std::uint64_t toTicks(float seconds) {
   return toUint64(static_cast<double>(seconds * kTicksPerSecond));
 }
 
-// The P4 and P5 of an event, or what stands for them in a block that has none.
-float velocityOf(const EventList &list, const EventRecord &event) {
-  return list.parameters >= 1 ? valuesOf(event)[0]
-         : event.flag == 1    ? kDefaultVelocity
-                              : kNoteOffVelocity;
-}
-float keyOf(const EventList &list, const EventRecord &event) {
-  return list.parameters >= 2 ? valuesOf(event)[1] : kDefaultKey;
-}
-
 // Brings amplitude and key to what MIDI has room for.
-void scaleValues(EventList &list, EventRecord &event) {
+void scaleValues(const EventList &list, EventRecord &event) {
   float *values = valuesOf(event);
   if (list.parameters >= 1) {
     values[0] = static_cast<float>(static_cast<double>(values[0]) * kVelocityFactor);
@@ -56,24 +44,6 @@ void scaleValues(EventList &list, EventRecord &event) {
   if (list.parameters >= 2) {
     values[1] = remainderOf(values[1], kKeys);
   }
-}
-
-// A note-off for `noteOn`, made from its scaled values.
-std::uint32_t makeNoteOff(EventList &list, std::uint32_t noteOn) {
-  std::uint32_t made = makeEvent(list);
-  if (made == kNoEvent) {
-    return kNoEvent;
-  }
-  EventRecord &off = eventAt(list, made);
-  const EventRecord &on = eventAt(list, noteOn);
-  std::memcpy(&off, &on, list.stride);
-  off.flag = 0;
-  off.start = on.start + on.duration;
-  if (list.parameters >= 1) {
-    valuesOf(off)[0] = kNoteOffAmplitude;
-  }
-  scaleValues(list, off);
-  return made;
 }
 
 // The latest moment at which an event of the list starts.
@@ -85,93 +55,76 @@ float latestStart(const EventList &list) {
   return latest;
 }
 
-// Makes note-ons of all events, and a note-off for each, in the order of the list. A note-off whose
-// moment is not a number stands behind everything that was there before it: it sorts with the
-// latest moment so far.
-ErrorCode makeNotes(EventList &list, NoteOff *noteOffs) {
-  float latest = latestStart(list);
+// Scales the values of all events and notes where each ends, in the order of the list. False when
+// some moment is not a number.
+bool findNoteOffs(EventList &list, NoteOff *noteOffs) {
+  bool allNumbers = true;
   std::uint32_t event = firstEvent(list);
   for (std::uint32_t i = 0; i < list.count; ++i) {
-    EventRecord &on = eventAt(list, event);
-    on.flag = 1;
-    scaleValues(list, on);
-    std::uint32_t off = makeNoteOff(list, event);
-    if (off == kNoEvent) {
-      return kOutOfMemory;
-    }
-    float end = eventAt(list, off).start;
-    latest = std::isnan(end) ? latest : std::max(latest, end);
-    noteOffs[i] = {std::isnan(end) ? latest : end, off};
-    event = on.next;
+    EventRecord &record = eventAt(list, event);
+    scaleValues(list, record);
+    float end = record.start + record.duration;
+    allNumbers = allNumbers && !std::isnan(end);
+    noteOffs[i] = {end, i, event};
+    event = record.next;
   }
-  return kOk;
+  return allNumbers;
 }
 
-// Sorts the note-offs into the list. They were numbered as they were made, so equal moments keep
-// the order of their notes.
-void mergeNoteOffs(EventList &list, NoteOff *noteOffs) {
-  std::uint32_t notes = list.count;
-  std::sort(noteOffs, noteOffs + notes, [](const NoteOff &a, const NoteOff &b) {
-    return a.moment < b.moment || (a.moment == b.moment && a.event < b.event);
+// A note-off whose moment is not a number stands behind everything that was there before it: it
+// sorts with the latest moment so far.
+void placeWithoutMoment(NoteOff *noteOffs, std::uint32_t count, float latest) {
+  for (std::uint32_t i = 0; i < count; ++i) {
+    float &moment = noteOffs[i].moment;
+    latest = std::isnan(moment) ? latest : std::max(latest, moment);
+    moment = std::isnan(moment) ? latest : moment;
+  }
+}
+
+// Equal moments keep the order of their notes.
+void sortNoteOffs(NoteOff *noteOffs, std::uint32_t count) {
+  std::sort(noteOffs, noteOffs + count, [](const NoteOff &a, const NoteOff &b) {
+    return a.moment < b.moment || (a.moment == b.moment && a.position < b.position);
   });
-  float latest = latestStart(list);
-  std::uint32_t on = firstEvent(list);
-  std::uint32_t off = 0;
-  list.last = kNoEvent;
-  list.count = 0;
-  for (std::uint32_t i = 0; i < notes; ++i) {
-    float start = eventAt(list, on).start;
-    float moment = std::isnan(start) ? latest : start;
-    while (off < notes && noteOffs[off].moment < moment) {
-      appendEvent(list, noteOffs[off++].event);
-    }
-    std::uint32_t next = eventAt(list, on).next;
-    appendEvent(list, on);
-    on = next;
-  }
-  while (off < notes) {
-    appendEvent(list, noteOffs[off++].event);
-  }
 }
 
-ErrorCode insertNoteOffs(EventList &list) {
-  auto *noteOffs =
-      static_cast<NoteOff *>(std::malloc(sizeof(NoteOff) * static_cast<std::size_t>(list.count)));
-  if (noteOffs == nullptr) {
-    return kOutOfMemory;
-  }
-  ErrorCode error = makeNotes(list, noteOffs);
-  if (error == kOk) {
-    mergeNoteOffs(list, noteOffs);
-  }
-  std::free(noteOffs);
-  return error;
+// Says where and how a note begins or ends. There are two such lines for every note, so they are
+// not composed from a format.
+void listNote(const Note &note, Messages &messages) {
+  char line[4 * kLongestNumber + 32];
+  char *out = line;
+  auto put = [&out](std::string_view text) { out = std::copy(text.begin(), text.end(), out); };
+  auto putReal = [&out](float value) { out = writeFixed(out, static_cast<double>(value), 7, 2); };
+  put("\n");
+  putReal(note.start);
+  put("\t");
+  putReal(note.duration);
+  put(note.isOn ? "\tON\tN: " : "\tOFF\tN: ");
+  putReal(note.key);
+  put("\tV: ");
+  putReal(note.velocity);
+  put("\t");
+  composeBytes(messages, {line, static_cast<std::size_t>(out - line)});
+  tell(messages, {});
 }
 
-// Prints the listing and counts the bytes that the events will take.
-std::uint32_t listNotes(const EventList &list, Messages &messages) {
-  std::uint32_t bytes = 0;
+// Prints the listing, and counts the bytes that the notes will take and what they come to.
+void listNotes(const EventList &list, Messages &messages, MidiTrack &track) {
   float previous = 0.0F;
-  forEachEvent(list, [&](const EventRecord &event) {
-    bytes += kNoteBytes;
-    bytes += static_cast<std::uint32_t>(variableLength(toTicks(event.start - previous)));
-    say(messages, "\n%f\t%f\t%s\tN: %f\tV: %f\t",
-        {event.start, event.duration, event.flag == 1 ? "ON" : "OFF", keyOf(list, event),
-         velocityOf(list, event)});
-    previous = event.start;
+  forEachNote(list, track, [&](const Note &note) {
+    track.byteCount += kNoteBytes;
+    track.byteCount += static_cast<std::uint32_t>(variableLength(toTicks(note.start - previous)));
+    track.end = std::max(track.end, static_cast<double>(note.start + note.duration));
+    listNote(note, messages);
+    previous = note.start;
   });
-  return bytes;
-}
-
-void appendByte(OutputBuffer &output, unsigned byte) {
-  char c = static_cast<char>(byte);
-  append(output, &c, 1);
 }
 
 void writeChunkHeader(OutputBuffer &output, std::uint32_t length) {
   append(output, "MTrk", 4);
   for (int shift = 24; shift >= 0; shift -= 8) {
-    appendByte(output, length >> shift & 0xFFU);
+    char byte = static_cast<char>(length >> shift);
+    append(output, &byte, 1);
   }
 }
 
@@ -189,47 +142,72 @@ void writeConductorTrack(OutputBuffer &output, float endTime) {
   auto length = static_cast<std::uint32_t>(sizeof kSignatureAndTempo + sizeof kEndOfTrack - 1);
   writeChunkHeader(output, length + static_cast<std::uint32_t>(variableLength(ticks)));
   append(output, kSignatureAndTempo, sizeof kSignatureAndTempo);
-  writeVariableLength(output, ticks);
+  taken(output, writeVariableLength(room(output, kLongestQuantity), ticks));
   append(output, kEndOfTrack + 1, sizeof kEndOfTrack - 1);
 }
 
 // The low byte of a number, its fraction dropped.
-unsigned lowByte(float value) {
-  return static_cast<unsigned>(toInt64(static_cast<double>(value)) & 0xFF);
+char lowByte(float value) { return static_cast<char>(toInt64(static_cast<double>(value))); }
+
+void writeNote(OutputBuffer &output, const Note &note, float previous) {
+  char *out = room(output, kLongestQuantity + kNoteBytes);
+  out = writeVariableLength(out, toTicks(note.start - previous));
+  *out++ = note.isOn ? '\x90' : '\x80';
+  *out++ = lowByte(note.key);
+  *out++ = note.isOn ? lowByte(note.velocity) : '\x40';
+  taken(output, out);
 }
 
-void writeNote(OutputBuffer &output, const EventList &list, const EventRecord &event,
-               float previous) {
-  writeVariableLength(output, toTicks(event.start - previous));
-  bool on = event.flag == 1;
-  appendByte(output, on ? 0x90U : 0x80U);
-  appendByte(output, lowByte(keyOf(list, event)));
-  appendByte(output, on ? lowByte(velocityOf(list, event)) : 0x40U);
-}
-
-void writeNoteTrack(OutputBuffer &output, const EventList &list, std::uint32_t byteCount) {
-  writeChunkHeader(output, byteCount + static_cast<std::uint32_t>(sizeof kEndOfTrack));
+void writeNoteTrack(OutputBuffer &output, const EventList &list, const MidiTrack &track) {
+  writeChunkHeader(output, track.byteCount + static_cast<std::uint32_t>(sizeof kEndOfTrack));
   float previous = 0.0F;
-  forEachEvent(list, [&](const EventRecord &event) {
-    writeNote(output, list, event, previous);
-    previous = event.start;
+  forEachNote(list, track, [&](const Note &note) {
+    writeNote(output, note, previous);
+    previous = note.start;
   });
   append(output, kEndOfTrack, sizeof kEndOfTrack);
 }
 
 }  // namespace
 
-ErrorCode prepareMidi(EventList &list, Messages &messages, std::uint32_t &byteCount) {
-  RETURN_IF_ERROR(insertNoteOffs(list));
-  byteCount = listNotes(list, messages);
+Note noteOnOf(const EventList &list, const EventRecord &event) {
+  const float *values = valuesOf(event);
+  return {true, event.start, event.duration, list.parameters >= 1 ? values[0] : kDefaultVelocity,
+          list.parameters >= 2 ? values[1] : kDefaultKey};
+}
+
+// Its key is brought to its range once more; it may have been left at the end of it.
+Note noteOffOf(const EventList &list, const EventRecord &event) {
+  return {false, event.start + event.duration, event.duration,
+          list.parameters >= 1 ? kNoteOffAmplitude : kNoteOffVelocity,
+          list.parameters >= 2 ? remainderOf(valuesOf(event)[1], kKeys) : kDefaultKey};
+}
+
+ErrorCode prepareMidi(EventList &list, Messages &messages, MidiTrack &track) {
+  track.noteOffs =
+      static_cast<NoteOff *>(std::malloc(sizeof(NoteOff) * static_cast<std::size_t>(list.count)));
+  if (track.noteOffs == nullptr) {
+    return kOutOfMemory;
+  }
+  if (!findNoteOffs(list, track.noteOffs)) {
+    track.latestStart = latestStart(list);
+    placeWithoutMoment(track.noteOffs, list.count, track.latestStart);
+  }
+  sortNoteOffs(track.noteOffs, list.count);
+  listNotes(list, messages, track);
   return kOk;
 }
 
-void MidiWriter(const EventList &list, OutputBuffer &output, std::uint32_t byteCount) {
-  const EventRecord &last = eventAt(list, list.last);
+void MidiWriter(const EventList &list, const MidiTrack &track, OutputBuffer &output) {
+  Note last = noteOffOf(list, eventAt(list, track.noteOffs[list.count - 1].event));
   writeHeader(output);
   writeConductorTrack(output, last.start + last.duration + 1.0F);
-  writeNoteTrack(output, list, byteCount);
+  writeNoteTrack(output, list, track);
+}
+
+void freeMidiTrack(MidiTrack &track) {
+  std::free(track.noteOffs);
+  track.noteOffs = nullptr;
 }
 
 int variableLength(std::uint64_t quantity) {
@@ -240,11 +218,12 @@ int variableLength(std::uint64_t quantity) {
   return bytes;
 }
 
-void writeVariableLength(OutputBuffer &output, std::uint64_t quantity) {
+char *writeVariableLength(char *out, std::uint64_t quantity) {
   for (int group = variableLength(quantity) - 1; group >= 0; --group) {
     auto bits = static_cast<unsigned>(quantity >> (7 * group) & 0x7FU);
-    appendByte(output, group > 0 ? bits | 0x80U : bits);
+    *out++ = static_cast<char>(group > 0 ? bits | 0x80U : bits);
   }
+  return out;
 }
 
 }  // namespace korvo

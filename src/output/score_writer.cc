@@ -1,6 +1,8 @@
 // Finished events come in, lines of a score go out. The columns are worked out once for a block.
 #include "output/score_writer.h"
 
+#include <cstring>
+
 #include "base/arithmetic.h"
 #include "base/number_format.h"
 #include "base/output_buffer.h"
@@ -14,29 +16,53 @@ namespace {
 
 constexpr int kStartColumns = 5;  // P2 is wider than P3 by two
 constexpr int kDurationColumns = 3;
-constexpr int kFieldRoom = kLongestNumber + 16;
+constexpr std::size_t kFieldRoom = kLongestNumber + 16;
 
-// The columns that a block writes, worked out once.
-struct Columns {
-  const PfieldFormat *formats[kMaxPfields];
-  const OutputKind *kinds[kMaxPfields];
-  int values[kMaxPfields];  // which value of an event
-  int count = 0;
+// One column of the lines of a block, worked out once.
+struct Column {
+  const OutputKind *kind;
+  const PfieldFormat *format;
+  bool isPlain;  // a number that is written as it is
+  int width;
+  int decimals;  // or kWhole
+  int value;     // which value of an event
 };
 
-Columns columnsOf(const BlockState &block) {
-  Columns columns;
+// What the lines of a block have in common.
+struct LineFormat {
+  char head[24];  // what every line begins with
+  std::size_t headLength = 0;
+  Column columns[kMaxPfields];
+  int count = 0;
+  std::size_t room = 0;
+};
+
+Column columnOf(const PfieldFormat &format, const OutputKind &kind, int value) {
+  bool isOwn = kind.decimals == kOwnPrecision;
+  return {&kind,
+          &format,
+          kind.code == kRE,
+          isOwn ? kind.width + format.precision : kind.width,
+          isOwn ? format.precision : kind.decimals,
+          value};
+}
+
+LineFormat lineFormatOf(const BlockState &block) {
+  LineFormat line;
+  line.head[0] = '\n';
+  line.head[1] = 'i';
+  char *end = writeInteger(line.head + 2, block.header.instrument, 0);
+  *end++ = ' ';
+  line.headLength = static_cast<std::size_t>(end - line.head);
   for (int number = 4; number <= block.header.pfieldCount; ++number) {
     const PfieldFormat &format = block.pfields[number];
     const OutputKind &kind = outputKind(format.kind);
     if (kind.convert != nullptr) {
-      columns.formats[columns.count] = &format;
-      columns.kinds[columns.count] = &kind;
-      columns.values[columns.count] = number - 4;
-      ++columns.count;
+      line.columns[line.count++] = columnOf(format, kind, number - 4);
     }
   }
-  return columns;
+  line.room = static_cast<std::size_t>(line.count + 3) * kFieldRoom;
+  return line;
 }
 
 char *writeTime(char *out, float seconds, int columns, int precision) {
@@ -45,45 +71,37 @@ char *writeTime(char *out, float seconds, int columns, int precision) {
   return out;
 }
 
-char *writeColumn(char *out, const OutputKind &kind, const PfieldFormat &format,
-                  std::uint64_t sampleRate, float value) {
-  double converted = kind.convert(format, sampleRate, value);
-  if (kind.decimals == kWhole) {
-    out = writeInteger(out, toInt64(converted), kind.width);
-  } else if (kind.decimals == kOwnPrecision) {
-    out = writeFixed(out, converted, kind.width + format.precision, format.precision);
-  } else {
-    out = writeFixed(out, converted, kind.width, kind.decimals);
-  }
+char *writeColumn(char *out, const Column &column, std::uint64_t sampleRate, float value) {
+  double converted = column.isPlain ? static_cast<double>(value)
+                                    : column.kind->convert(*column.format, sampleRate, value);
+  out = column.decimals == kWhole ? writeInteger(out, toInt64(converted), column.width)
+                                  : writeFixed(out, converted, column.width, column.decimals);
   *out++ = ' ';
   return out;
 }
 
 void writeEvent(OutputBuffer &output, const BlockState &block, std::uint64_t sampleRate,
-                const Columns &columns, const EventRecord &event) {
-  char *out = room(output, 3 * kFieldRoom);
-  *out++ = '\n';
-  *out++ = 'i';
-  out = writeInteger(out, block.header.instrument, 0);
-  *out++ = ' ';
+                const LineFormat &line, const EventRecord &event) {
+  char *out = room(output, line.room);
+  std::memcpy(out, line.head, sizeof line.head);
+  out += line.headLength;
   out = writeTime(out, event.start, kStartColumns, block.pfields[2].precision);
   out = writeTime(out, event.duration, kDurationColumns, block.pfields[3].precision);
-  taken(output, out);
   const float *values = valuesOf(event);
-  for (int i = 0; i < columns.count; ++i) {
-    out = room(output, kFieldRoom);
-    taken(output, writeColumn(out, *columns.kinds[i], *columns.formats[i], sampleRate,
-                              values[columns.values[i]]));
+  for (int i = 0; i < line.count; ++i) {
+    const Column &column = line.columns[i];
+    out = writeColumn(out, column, sampleRate, values[column.value]);
   }
+  taken(output, out);
 }
 
 }  // namespace
 
 void ScoreWriter(Generation &making, OutputBuffer &output) {
-  Columns columns = columnsOf(making.block);
+  LineFormat line = lineFormatOf(making.block);
   std::int64_t written = 0;
   forEachEvent(making.events, [&](const EventRecord &event) {
-    writeEvent(output, making.block, making.global.settings.sampleRate, columns, event);
+    writeEvent(output, making.block, making.global.settings.sampleRate, line, event);
     ++written;
     if (countStep(making.steps)) {
       tellProgress(making, "score", written);

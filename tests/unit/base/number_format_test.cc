@@ -118,6 +118,25 @@ TEST(NumberFormat, SinglesOfModerateSize) {
   }
 }
 
+// Where a number gets one digit more, to columns that have just room for it or not.
+TEST(NumberFormat, AroundThePowersOfTen) {
+  for (int power = 0; power <= 17; ++power) {
+    for (int step = -2; step <= 2; ++step) {
+      for (int decimals = 0; decimals <= 8; ++decimals) {
+        float value = static_cast<float>(std::pow(10.0, power) + step);
+        float scaled =
+            static_cast<float>((std::pow(10.0, power) + step) / std::pow(10.0, decimals));
+        for (int width = 0; width <= 20; ++width) {
+          ASSERT_NO_FATAL_FAILURE(compare(value, width, decimals));
+          ASSERT_NO_FATAL_FAILURE(compare(-value, width, decimals));
+          ASSERT_NO_FATAL_FAILURE(compare(scaled, width, decimals));
+          ASSERT_NO_FATAL_FAILURE(compare(-scaled, width, decimals));
+        }
+      }
+    }
+  }
+}
+
 TEST(NumberFormat, ExactTies) {
   for (int decimals = 0; decimals <= 7; ++decimals) {
     for (int i = 1; i < 20000; i += 2) {

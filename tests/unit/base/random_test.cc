@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 
@@ -103,6 +104,27 @@ TEST(Random, TwoSequencesDoNotMeet) {
   }
 }
 
+TEST(Random, AUnitDrawIsItsNumberTimesAConstant) {
+  Random random;
+  seedRandom(random, 9);
+  LibraryNumbers library(9);
+  for (int i = 0; i < 10000; ++i) {
+    float number = static_cast<float>(static_cast<std::int32_t>(library.next()));
+    ASSERT_EQ(drawUnit(random), number * 4.656613e-10F) << i;
+  }
+}
+
+TEST(Random, BothKindsOfDrawTakeFromOneSequence) {
+  Random random;
+  seedRandom(random, 9);
+  LibraryNumbers library(9);
+  for (int i = 0; i < 10000; ++i) {
+    library.next();
+    drawUnit(random);
+    ASSERT_EQ(draw(random), library.next()) << i;
+  }
+}
+
 TEST(Random, AUnitDrawIsBetweenZeroAndOne) {
   Random random;
   script(random, {kDrawZero, kDrawQuarter, kDrawHalf, kDrawThreeQuarters, kDrawOne, 1});
@@ -112,6 +134,46 @@ TEST(Random, AUnitDrawIsBetweenZeroAndOne) {
   EXPECT_EQ(drawUnit(random), 0.75F);
   EXPECT_EQ(drawUnit(random), 1.0F);
   EXPECT_EQ(drawUnit(random), 4.656613e-10F);
+}
+
+TEST(Random, ADrawWithinBoundsMayLieOnThem) {
+  Random random;
+  script(random, {kDrawZero, kDrawOne, kDrawThreeQuarters, kDrawQuarter, kDrawHalf, kDrawHalf});
+  EXPECT_EQ(drawUnitWithin(random, 0.25F, 0.5F), 0.25F);
+  EXPECT_EQ(drawUnitWithin(random, 0.25F, 0.5F), 0.5F);
+  EXPECT_EQ(drawUnitWithin(random, 0.5F, 0.5F), 0.5F);
+  EXPECT_EQ(random.next, 6U);
+}
+
+TEST(Random, ADrawWithinBoundsMayBeZeroOrOne) {
+  Random random;
+  script(random, {kDrawOne, kDrawZero, kDrawZero, kDrawOne});
+  EXPECT_EQ(drawUnitWithin(random, 0.0F, 0.125F), 0.0F);
+  EXPECT_EQ(random.next, 2U);
+  EXPECT_EQ(drawUnitWithin(random, 0.875F, 1.0F), 1.0F);
+  EXPECT_EQ(random.next, 4U);
+}
+
+TEST(Random, ADrawWithinBoundsGoesOnIntoTheNextNumbers) {
+  Random random;
+  Random one;
+  seedRandom(random, 3);
+  seedRandom(one, 3);
+  for (int i = 0; i < 2000; ++i) {
+    float expected = 0.0F;
+    do {
+      expected = drawUnit(one);
+    } while (expected < 0.4F || expected > 0.41F);
+    ASSERT_EQ(drawUnitWithin(random, 0.4F, 0.41F), expected) << i;
+    ASSERT_EQ(random.next, one.next) << i;
+  }
+}
+
+TEST(Random, BoundsThatAreNotNumbersTakeTheFirstDraw) {
+  Random random;
+  script(random, {kDrawHalf, kDrawQuarter});
+  EXPECT_EQ(drawUnitWithin(random, std::nanf(""), std::nanf("")), 0.5F);
+  EXPECT_EQ(drawUnitWithin(random, std::nanf(""), std::nanf("")), 0.25F);
 }
 
 TEST(Random, AnIndexIsTheRemainderOfADraw) {

@@ -57,11 +57,10 @@ TEST(MidiWriter, VariableLengthQuantities) {
       {UINT64_MAX, "81FFFFFFFFFFFFFFFF7F"},
   };
   for (const auto &row : rows) {
-    Piece piece("");
-    writeVariableLength(piece.output, row.quantity);
-    EXPECT_EQ(hex(piece.written()), row.bytes) << row.quantity;
-    EXPECT_EQ(variableLength(row.quantity), static_cast<int>(piece.written().size()))
-        << row.quantity;
+    char bytes[kLongestQuantity];
+    char *end = writeVariableLength(bytes, row.quantity);
+    EXPECT_EQ(hex({bytes, end}), row.bytes) << row.quantity;
+    EXPECT_EQ(variableLength(row.quantity), end - bytes) << row.quantity;
   }
 }
 
@@ -79,9 +78,10 @@ Written write(const std::vector<MadeEvent> &events, int parameters = 2) {
     addEvent(list, event);
   }
   Written written{};
-  std::uint32_t byteCount = 0;
-  written.result = prepareMidi(list, *piece.making.messages, byteCount);
-  MidiWriter(list, piece.output, byteCount);
+  MidiTrack track;
+  written.result = prepareMidi(list, *piece.making.messages, track);
+  MidiWriter(list, track, piece.output);
+  freeMidiTrack(track);
   written.bytes = hex(piece.written());
   written.messages = piece.messages();
   return written;
@@ -179,14 +179,16 @@ TEST(MidiWriter, ManyNotesStayInTheOrderOfTime) {
   for (const MadeEvent &event : events) {
     addEvent(piece.making.events, event);
   }
-  std::uint32_t byteCount = 0;
-  ASSERT_EQ(prepareMidi(piece.making.events, *piece.making.messages, byteCount), kOk);
-  std::vector<EventRecord *> notes = eventsOf(piece.making.events);
+  MidiTrack track;
+  ASSERT_EQ(prepareMidi(piece.making.events, *piece.making.messages, track), kOk);
+  std::vector<Note> notes;
+  forEachNote(piece.making.events, track, [&notes](const Note &note) { notes.push_back(note); });
+  freeMidiTrack(track);
   ASSERT_EQ(notes.size(), 60000U);
   for (std::size_t i = 1; i < notes.size(); ++i) {
-    ASSERT_LE(notes[i - 1]->start, notes[i]->start);
-    if (notes[i - 1]->start == notes[i]->start) {
-      ASSERT_GE(notes[i - 1]->flag, notes[i]->flag) << "a note-off before a note-on at " << i;
+    ASSERT_LE(notes[i - 1].start, notes[i].start);
+    if (notes[i - 1].start == notes[i].start) {
+      ASSERT_GE(notes[i - 1].isOn, notes[i].isOn) << "a note-off before a note-on at " << i;
     }
   }
 }

@@ -10,15 +10,18 @@
 
 namespace korvo {
 
-// The next draws are these, and those behind them, up to the 31st, are 0; without any, all are.
-// `random.next` then counts the draws that have been taken.
+// The next draws are these, and those behind them, up to the end of the batch, are 0; without any,
+// all are. `random.next` then counts the draws that have been taken.
 inline void script(Random &random, std::initializer_list<std::uint32_t> draws = {}) {
-  if (draws.size() > Random::kBehind) {
+  if (draws.size() > Random::kBatch) {
     std::abort();
   }
   std::fill(std::begin(random.numbers), std::end(random.numbers), 0U);
-  std::transform(draws.begin(), draws.end(), random.numbers,
+  std::fill(std::begin(random.units), std::end(random.units), 0.0F);
+  std::transform(draws.begin(), draws.end(), random.numbers + Random::kBehind,
                  [](std::uint32_t drawn) { return drawn << 1; });
+  std::transform(draws.begin(), draws.end(), random.units,
+                 [](std::uint32_t drawn) { return static_cast<float>(drawn) * 4.656613e-10F; });
   random.next = 0;
 }
 
