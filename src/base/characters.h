@@ -2,8 +2,8 @@
 // user's locale is, so that a piece reads the same everywhere.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace korvo {
 
@@ -19,10 +19,11 @@ constexpr char toLower(char c) {
 struct CharacterSet {
   bool has[256] = {};
 
-  // The characters of `members`, a NUL in it included.
-  constexpr explicit CharacterSet(std::string_view members) {
-    for (char c : members) {
-      has[static_cast<unsigned char>(c)] = true;
+  // The characters of a literal, less the NUL that closes it.
+  template <std::size_t size>
+  constexpr explicit CharacterSet(const char (&members)[size]) {
+    for (std::size_t i = 0; i + 1 < size; ++i) {
+      has[static_cast<unsigned char>(members[i])] = true;
     }
   }
 };

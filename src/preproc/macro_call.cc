@@ -27,8 +27,6 @@ struct ArgumentList {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 // What a name stands for: a macro, or an argument of the enclosing call (which has no parameters).
 struct Callee {
   std::string_view name;
@@ -66,7 +64,7 @@ std::int32_t callEnd(const char *text, std::int32_t p) {
   if (text[p] != '(') {
     return p;
   }
-  constexpr CharacterSet kStops("()\0"sv);
+  constexpr CharacterSet kStops("()\0");
   for (int open = 1; open > 0;) {
     p = static_cast<std::int32_t>(findIn(kStops, text + p + 1) - text);
     if (text[p] == '\0') {

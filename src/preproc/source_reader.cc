@@ -48,8 +48,7 @@ std::size_t takeLine(LineInput &input, char *line) {
 // its own. What stands behind a NUL is not seen. Returns whether the line has a mark: "$" and "~"
 // are replaced, "#" defines, ">" keeps from defining, ";" and "/" begin comments.
 bool clean(char *line) {
-  using std::string_view_literals::operator""sv;
-  constexpr CharacterSet kStops("\n\r\xff$~#>;/\0"sv);
+  constexpr CharacterSet kStops("\n\r\xff$~#>;/\0");
   bool hasMarks = false;
   for (char *c = findIn(kStops, line); *c != '\0'; c = findIn(kStops, c + 1)) {
     if (*c == '\n' || *c == '\r' || *c == '\xff') {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 #include "base/characters.h"
 #include "preproc/conditional.h"
@@ -18,16 +17,14 @@ namespace korvo {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 // A ">" at this position of the line does not turn definitions off, as it does everywhere else. An
 // oddity of old that pieces may rely on: a loop that ends exactly there leaves a "#" behind it free
 // to open a definition.
 constexpr std::int32_t kHarmlessLoopEnd = 85;
 
 // What a scan stops at outside comments, the line's end included.
-constexpr CharacterSet kMacroMarks("$#>;/\0"sv);
-constexpr CharacterSet kConstantMarks("~;/\0"sv);
+constexpr CharacterSet kMacroMarks("$#>;/\0");
+constexpr CharacterSet kConstantMarks("~;/\0");
 
 bool startsWith(const char *text, const char *word) {
   return std::strncmp(text, word, std::strlen(word)) == 0;

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string_view>
 
 namespace korvo {
 
@@ -39,8 +38,7 @@ TEST(Characters, BlanksInLineStopAtTheEnd) {
 }
 
 TEST(Characters, ASetHasItsMembersAndNoOthers) {
-  using std::string_view_literals::operator""sv;
-  constexpr CharacterSet kSet("a\xff\0"sv);
+  constexpr CharacterSet kSet("a\xff\0");
   for (int code = 0; code < 256; ++code) {
     EXPECT_EQ(contains(kSet, static_cast<char>(code)), code == 'a' || code == 255 || code == 0)
         << code;
@@ -61,8 +59,7 @@ TEST(Characters, WhatIsInASetIsFoundFromAPlaceOn) {
 }
 
 TEST(Characters, ASetWithTheNulFindsTheEndOfAText) {
-  using std::string_view_literals::operator""sv;
-  constexpr CharacterSet kSet(";\0"sv);
+  constexpr CharacterSet kSet(";\0");
   const char text[] = "ab;cd";
   EXPECT_EQ(findIn(kSet, text) - text, 2);
   EXPECT_EQ(findIn(kSet, text + 3) - text, 5);
