@@ -253,11 +253,10 @@ Wide scaleAndRound(const Parts &parts, int decimals) {
   return parts.power > -kWideBits ? shiftAndRound(scaled, -parts.power) : 0;
 }
 
-// Whether a number is a single-precision one that a double holds exactly when it has been scaled;
-// one that is not finite is none.
-bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
-  bool isSingle = static_cast<double>(static_cast<float>(magnitude)) == magnitude;
-  if (!isSingle || decimals > kMostQuickDecimals) {
+// Scales the magnitude of a single, where a double holds the product exactly; that of one that is
+// not finite is none.
+inline bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
+  if (decimals > kMostQuickDecimals) {
     return false;
   }
   double product = magnitude * kPowersOfTen[decimals];
@@ -287,11 +286,18 @@ bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) {
 }  // namespace
 
 char *writeFixed(char *out, double value, int width, int decimals) {
-  std::uint64_t scaled = 0;
-  if (width > kQuickWidth || !scaleQuickly(std::fabs(value), decimals, scaled)) {
-    return writeExactly(out, value, width, decimals);
-  }
+  float single = static_cast<float>(value);
+  return static_cast<double>(single) == value ? writeFixed(out, single, width, decimals)
+                                              : writeExactly(out, value, width, decimals);
+}
+
+char *writeFixed(char *out, float value, int width, int decimals) {
   bool negative = std::signbit(value);
+  std::uint64_t scaled = 0;
+  if (width > kQuickWidth ||
+      !scaleQuickly(static_cast<double>(std::fabs(value)), decimals, scaled)) {
+    return writeExactly(out, static_cast<double>(value), width, decimals);
+  }
   return scaled < kEightDigits ? writeEightDigits(out, negative, scaled, width, decimals)
                                : writeSixteenDigits(out, negative, scaled, width, decimals);
 }

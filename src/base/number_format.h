@@ -16,6 +16,9 @@ inline constexpr int kMostDecimals = 16;
 // the text; no NUL is written.
 char *writeFixed(char *out, double value, int width, int decimals);
 
+// The same for a single, which nearly every number of a score is, and somewhat faster.
+char *writeFixed(char *out, float value, int width, int decimals);
+
 // Writes what "%*ld" gives for (width, value). Returns the end of the text; no NUL is written.
 char *writeInteger(char *out, std::int64_t value, int width);
 

@@ -31,12 +31,10 @@ void finishSummary(BlockSummary &summary, const EventRecord &first, const EventR
   summary.beats = last.beat - first.beat;
 }
 
-BlockSummary summarizeEvents(const EventList &list) {
+BlockSummary summarizeEvents(const EventList &list, double end) {
   BlockSummary summary;
   summary.count = list.count;
-  forEachEvent(list, [&summary](const EventRecord &event) {
-    summary.end = std::max(summary.end, static_cast<double>(event.start + event.duration));
-  });
+  summary.end = end;
   finishSummary(summary, eventAt(list, firstEvent(list)), eventAt(list, list.last));
   return summary;
 }
@@ -126,8 +124,8 @@ ErrorCode writeBlock(Generation &making, OutputBuffer &output, BlockSummary &sum
   if (making.midi) {
     return writeMidi(making, output, summary);
   }
-  ScoreWriter(making, output);
-  summary = summarizeEvents(making.events);
+  double end = ScoreWriter(making, output);
+  summary = summarizeEvents(making.events, end);
   return kOk;
 }
 

@@ -94,7 +94,7 @@ void listNote(const Note &note, Messages &messages) {
   char line[4 * kLongestNumber + 32];
   char *out = line;
   auto put = [&out](std::string_view text) { out = std::copy(text.begin(), text.end(), out); };
-  auto putReal = [&out](float value) { out = writeFixed(out, static_cast<double>(value), 7, 2); };
+  auto putReal = [&out](float value) { out = writeFixed(out, value, 7, 2); };
   put("\n");
   putReal(note.start);
   put("\t");

@@ -1,6 +1,7 @@
 // Finished events come in, lines of a score go out. The columns are worked out once for a block.
 #include "output/score_writer.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/arithmetic.h"
@@ -66,16 +67,20 @@ LineFormat lineFormatOf(const BlockState &block) {
 }
 
 char *writeTime(char *out, float seconds, int columns, int precision) {
-  out = writeFixed(out, static_cast<double>(seconds), precision + columns, precision);
+  out = writeFixed(out, seconds, precision + columns, precision);
   *out++ = ' ';
   return out;
 }
 
+char *writeConverted(char *out, const Column &column, double converted) {
+  return column.decimals == kWhole ? writeInteger(out, toInt64(converted), column.width)
+                                   : writeFixed(out, converted, column.width, column.decimals);
+}
+
 char *writeColumn(char *out, const Column &column, std::uint64_t sampleRate, float value) {
-  double converted = column.isPlain ? static_cast<double>(value)
-                                    : column.kind->convert(*column.format, sampleRate, value);
-  out = column.decimals == kWhole ? writeInteger(out, toInt64(converted), column.width)
-                                  : writeFixed(out, converted, column.width, column.decimals);
+  out = column.isPlain
+            ? writeFixed(out, value, column.width, column.decimals)
+            : writeConverted(out, column, column.kind->convert(*column.format, sampleRate, value));
   *out++ = ' ';
   return out;
 }
@@ -97,17 +102,20 @@ void writeEvent(OutputBuffer &output, const BlockState &block, std::uint64_t sam
 
 }  // namespace
 
-void ScoreWriter(Generation &making, OutputBuffer &output) {
+double ScoreWriter(Generation &making, OutputBuffer &output) {
   LineFormat line = lineFormatOf(making.block);
   std::int64_t written = 0;
+  double end = 0.0;
   forEachEvent(making.events, [&](const EventRecord &event) {
     writeEvent(output, making.block, making.global.settings.sampleRate, line, event);
+    end = std::max(end, static_cast<double>(event.start + event.duration));
     ++written;
     if (countStep(making.steps)) {
       tellProgress(making, "score", written);
     }
   });
   append(output, "\n", 1);
+  return end;
 }
 
 }  // namespace korvo
