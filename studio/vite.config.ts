@@ -1,0 +1,15 @@
+import { defineConfig } from 'vite';
+
+// The pages lie beside each other under relative addresses, so that any folder of any web server will do.
+export default defineConfig({
+  root: import.meta.dirname,
+  base: './',
+  build: {
+    outDir: '../build/studio',
+    emptyOutDir: true,
+    target: 'es2022',
+    modulePreload: { polyfill: false },
+    assetsInlineLimit: 0,
+  },
+  worker: { format: 'es' },
+});
