@@ -52,7 +52,7 @@ export function firstState(project: Project): State {
       lines: [],
       trouble: '',
     },
-    layout: { theme: 'system', pane: 'text', detail: 'score', split: 0.45, messagesOpen: true },
+    layout: { theme: 'system', pane: 'text', detail: 'score', split: 0.45, unfolded: 0.45, messagesOpen: true },
     kept: '',
     notice: '',
   };

@@ -80,8 +80,10 @@ export interface Layout {
   readonly theme: Theme;
   readonly pane: Pane;
   readonly detail: Detail;
-  /** Share of the width that the text has, 0 to 1; 0: folded away. */
+  /** Share of the width that the text has, 0 to 1; 0: folded away, 1: the score is. */
   readonly split: number;
+  /** The share when both were last to be seen. */
+  readonly unfolded: number;
   readonly messagesOpen: boolean;
 }
 

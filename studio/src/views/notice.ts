@@ -1,0 +1,23 @@
+// A sentence that a composer should read now. It stays until it is dismissed or another one takes its place.
+import { el } from '../core/dom.ts';
+import type { State } from '../core/state.ts';
+import type { Store } from '../core/store.ts';
+
+export function noticeView(store: Store<State>, element: HTMLElement): void {
+  const sentence = el('span', { class: 'notice-text' });
+  const dismiss = el(
+    'button',
+    { type: 'button', class: 'quiet', title: 'Dismiss', 'aria-label': 'Dismiss' },
+    '✕',
+  );
+  dismiss.addEventListener('click', () => store.update({ notice: '' }));
+  element.append(sentence, dismiss);
+  store.watch(
+    (state) => state.notice,
+    (notice) => {
+      sentence.textContent = notice;
+      element.classList.toggle('shown', notice !== '');
+      dismiss.hidden = notice === '';
+    },
+  );
+}
