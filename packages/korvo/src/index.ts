@@ -99,6 +99,7 @@ export async function load(options: LoadOptions = {}): Promise<Korvo> {
     block: (number, instrument, count) => running().block(number, instrument, count),
     pfield: (number, kind, decimals) => running().pfield(number, kind, decimals),
     events: (at, stride, count) => running().events(at, stride, count),
+    dropped: (at, size, firstLine, lastLine) => running().dropped(at, size, firstLine, lastLine),
     progress: (...progress) => running().progress(...progress),
   };
   const module = await instantiate(options.wasm, calls);

@@ -34,6 +34,7 @@ export interface Calls {
   block(number: number, instrument: number, eventCount: number): void;
   pfield(number: number, kind: Address, decimals: number): void;
   events(columns: Address, stride: number, count: number): void;
+  dropped(file: Address, fileSize: number, firstLine: number, lastLine: number): void;
   progress(block: number, stage: Address, done: number, events: number): void;
 }
 

@@ -126,6 +126,11 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
       eventsDone += count;
     },
 
+    dropped(at, size, firstLine, lastLine) {
+      const file = textNamed(at, size)?.name ?? '';
+      droppedLines.push({ file, firstLine, lastLine });
+    },
+
     progress(block, stage, done, events) {
       options.progress?.({ block, stage: module.cText(stage), done, events });
     },
