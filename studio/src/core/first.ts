@@ -55,5 +55,7 @@ export function firstState(project: Project): State {
     layout: { theme: 'system', pane: 'text', detail: 'score', split: 0.45, unfolded: 0.45, messagesOpen: true },
     kept: '',
     notice: '',
+    offer: { notice: '', command: '', title: '' },
+    closed: [],
   };
 }

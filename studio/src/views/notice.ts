@@ -3,7 +3,11 @@ import { el } from '../core/dom.ts';
 import type { State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 
-export function noticeView(store: Store<State>, element: HTMLElement): void {
+export function noticeView(
+  store: Store<State>,
+  run: (id: string) => void,
+  element: HTMLElement,
+): void {
   const sentence = el('span', { class: 'notice-text' });
   const dismiss = el(
     'button',
@@ -11,13 +15,18 @@ export function noticeView(store: Store<State>, element: HTMLElement): void {
     '✕',
   );
   dismiss.addEventListener('click', () => store.update({ notice: '' }));
-  element.append(sentence, dismiss);
+  const act = el('button', { type: 'button' });
+  act.addEventListener('click', () => run(store.get().offer.command));
+  element.append(sentence, act, dismiss);
   store.watch(
     (state) => state.notice,
     (notice) => {
       sentence.textContent = notice;
       element.classList.toggle('shown', notice !== '');
       dismiss.hidden = notice === '';
+      const { offer } = store.get();
+      act.hidden = notice === '' || offer.notice !== notice;
+      act.textContent = offer.title;
     },
   );
 }
