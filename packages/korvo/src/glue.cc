@@ -36,6 +36,9 @@ IMPORTED(block) void tellBlock(int number, int instrument, std::uint32_t eventCo
 IMPORTED(pfield) void tellPfield(int number, const char *kind, int decimals);
 IMPORTED(events) void tellEvents(const float *columns, std::size_t stride, std::size_t count);
 
+IMPORTED(dropped)
+void tellDropped(const char *file, std::size_t fileSize, double firstLine, double lastLine);
+
 IMPORTED(progress) void tellProgress(int block, const char *stage, double done, double events);
 
 }  // extern "C"
@@ -68,11 +71,14 @@ void output(void * /*context*/, const char *bytes, std::size_t size) { tellOutpu
 
 void expanded(void * /*context*/, const char *line, std::size_t size) { tellExpanded(line, size); }
 
+const char *addressOf(std::string_view file) {
+  return file.data() == kPiece ? nullptr : file.data();
+}
+
 void place(int which, const korvo::Place &place) {
   if (place.line > 0) {
-    const char *file = place.file.data();
-    tellPlace(which, file == kPiece ? nullptr : file, place.file.size(),
-              static_cast<double>(place.line), place.column, place.endColumn);
+    tellPlace(which, addressOf(place.file), place.file.size(), static_cast<double>(place.line),
+              place.column, place.endColumn);
   }
 }
 
@@ -119,6 +125,12 @@ void block(void * /*context*/, const korvo::BlockView &block) {
   flush(rows);
 }
 
+void dropped(void * /*context*/, std::string_view file, std::int64_t firstLine,
+             std::int64_t lastLine) {
+  tellDropped(addressOf(file), file.size(), static_cast<double>(firstLine),
+              static_cast<double>(lastLine));
+}
+
 void progress(void * /*context*/, const korvo::Progress &progress) {
   tellProgress(progress.block, progress.stage, static_cast<double>(progress.done),
                static_cast<double>(progress.events));
@@ -159,7 +171,7 @@ EXPORTED(abandon) void abandon() {
   run = nullptr;
 }
 
-EXPORTED(perform) int perform(unsigned wishes, double alreadySaid) {
+EXPORTED(perform) int perform(unsigned wishes) {
   run = korvo::newRun();
   if (run == nullptr) {
     return kNoRun;
@@ -169,10 +181,10 @@ EXPORTED(perform) int perform(unsigned wishes, double alreadySaid) {
   options.silent = (wishes & kSilent) != 0;
   options.tempoVerbose = (wishes & kTempoVerbose) != 0;
   options.places = (wishes & kPlaces) != 0;
-  options.alreadySaid = static_cast<std::int64_t>(alreadySaid);
   korvo::Listener listener;
   listener.message = message;
   listener.output = output;
+  listener.dropped = dropped;
   listener.expanded = (wishes & kExpanded) != 0 ? expanded : nullptr;
   listener.block = (wishes & kEvents) != 0 ? block : nullptr;
   listener.progress = (wishes & kProgress) != 0 ? progress : nullptr;

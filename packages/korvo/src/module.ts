@@ -34,6 +34,7 @@ export interface Calls {
   block(number: number, instrument: number, eventCount: number): void;
   pfield(number: number, kind: Address, decimals: number): void;
   events(columns: Address, stride: number, count: number): void;
+  dropped(file: Address, fileSize: number, firstLine: number, lastLine: number): void;
   progress(block: number, stage: Address, done: number, events: number): void;
 }
 
@@ -52,7 +53,7 @@ export const Outcome = { complete: 0, failed: 1, noRun: 2 } as const;
 interface Exports {
   readonly memory: WebAssembly.Memory;
   readonly _initialize: () => void;
-  readonly perform: (wishes: number, alreadySaid: number) => number;
+  readonly perform: (wishes: number) => number;
   readonly abandon: () => void;
   readonly errorText: (number: number) => Address;
   readonly warningText: (number: number) => Address;
