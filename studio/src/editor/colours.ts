@@ -1,12 +1,13 @@
 // Colours the lines that are to be seen. Tokens come line by line from a tokenizer; what is far away is read in small
 // pieces of time between the keys, so that a long text never holds up a hand.
-import { type ChangeSet, type Extension, RangeSetBuilder, StateEffect, type Text } from '@codemirror/state';
 import {
-  Decoration,
-  type DecorationSet,
-  ViewPlugin,
-  type ViewUpdate,
-} from '@codemirror/view';
+  type ChangeSet,
+  type Extension,
+  RangeSetBuilder,
+  StateEffect,
+  type Text,
+} from '@codemirror/state';
+import { Decoration, type DecorationSet, ViewPlugin, type ViewUpdate } from '@codemirror/view';
 import { sameState, startState, type TokenKind, tokenLine } from 'korvo-language';
 import { type CsoundKind, csoundLine, csoundTokenizer } from './csound.ts';
 import { type LineStates, lineStates, type Tokenizer } from './line_states.ts';

@@ -21,7 +21,10 @@ export interface Document {
 const MOST_VERSIONS = 1000;
 
 export function newDocument(state: EditorState, file: object): Document {
-  return { state, versions: [{ file, doc: state.doc, changes: ChangeSet.empty(state.doc.length) }] };
+  return {
+    state,
+    versions: [{ file, doc: state.doc, changes: ChangeSet.empty(state.doc.length) }],
+  };
 }
 
 /** The document behind a transaction. */

@@ -1,6 +1,11 @@
 // The editor: one view, and behind it a document for every tab. What is typed goes into the store; what the store has
 // become by other hands (a seed, an example, a file that was opened) comes back as a change that can be undone.
-import { autocompletion, closeBrackets, closeBracketsKeymap, completionKeymap } from '@codemirror/autocomplete';
+import {
+  autocompletion,
+  closeBrackets,
+  closeBracketsKeymap,
+  completionKeymap,
+} from '@codemirror/autocomplete';
 import { defaultKeymap, history, historyKeymap, isolateHistory } from '@codemirror/commands';
 import {
   bracketMatching,
@@ -13,7 +18,13 @@ import {
 } from '@codemirror/language';
 import { forEachDiagnostic, setDiagnostics } from '@codemirror/lint';
 import { highlightSelectionMatches, search, searchKeymap } from '@codemirror/search';
-import { Annotation, EditorState, type Extension, type Transaction } from '@codemirror/state';
+import {
+  Annotation,
+  EditorState,
+  type Extension,
+  type Text,
+  type Transaction,
+} from '@codemirror/state';
 import {
   crosshairCursor,
   drawSelection,
@@ -25,6 +36,7 @@ import {
   lineNumbers,
   rectangularSelection,
 } from '@codemirror/view';
+import type { Files } from 'korvo-language';
 import type { Project, State, Tab } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 import { csoundColours, korvoColours } from './colours.ts';
@@ -48,6 +60,8 @@ import { theme } from './theme.ts';
 export interface Editor {
   /** Goes to a tab, chooses the range in it and brings it into view. */
   show(tab: Tab, range?: Range): void;
+  /** The same for a place that is found in the text when it is there. */
+  showPlace(tab: Tab, find: (doc: Text) => Range): void;
   focus(): void;
   /** Where a message stands now, by its index in `made.messages`; undefined if it has no place, or too many others do. */
   placeOf(message: number): { readonly tab: number; readonly range: Range } | undefined;
@@ -110,15 +124,27 @@ function common(label: string): Extension {
   ];
 }
 
-/** `help`: completion and what hovering shows. */
-export function createEditor(store: Store<State>, element: HTMLElement, help: Extension): Editor {
+/** `help`: completion and what hovering shows, for a piece with these includes. */
+export function createEditor(
+  store: Store<State>,
+  element: HTMLElement,
+  help: (files: () => Files) => Extension,
+): Editor {
+  const includes = (): Files =>
+    Object.fromEntries(
+      store
+        .get()
+        .project.files.slice(1)
+        .map(({ name, text }) => [name, text]),
+    );
+
   const korvo: Extension = [
     common('Text of the piece'),
     korvoColours,
     foldService.of((state, from) => foldAt(state, from)),
     indentService.of(({ state }, at) => indentBehind(state.doc.lineAt(Math.max(0, at - 1)).text)),
     switchedOff,
-    help,
+    help(includes),
   ];
   const csound: Extension = [common('Orchestra'), csoundColours, autocompletion({ override: [] })];
 
@@ -299,18 +325,25 @@ export function createEditor(store: Store<State>, element: HTMLElement, help: Ex
     () => mark(store.get()),
   );
 
+  function showPlace(tab: Tab, find?: (doc: Text) => Range): void {
+    store.update(({ layout }) => ({ tab, layout: { ...layout, pane: 'text' } }));
+    if (find) {
+      const { doc } = view.state;
+      const { from, to } = find(doc);
+      const anchor = Math.min(from, doc.length);
+      view.dispatch({
+        selection: { anchor, head: Math.min(to, doc.length) },
+        effects: EditorView.scrollIntoView(anchor, { y: 'center' }),
+      });
+    }
+    view.focus();
+  }
+
   return {
     show(tab, range) {
-      if (store.get().tab !== tab) store.update({ tab });
-      if (range) {
-        const at = (position: number) => Math.min(position, view.state.doc.length);
-        view.dispatch({
-          selection: { anchor: at(range.from), head: at(range.to) },
-          effects: EditorView.scrollIntoView(at(range.from), { y: 'center' }),
-        });
-      }
-      view.focus();
+      showPlace(tab, range && (() => range));
     },
+    showPlace,
     focus: () => view.focus(),
     placeOf(message) {
       for (const [tab, { state }] of documents.files.entries()) {

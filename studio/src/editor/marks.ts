@@ -26,7 +26,7 @@ export interface FileMarks {
   readonly dropped: readonly DroppedLines[];
 }
 
-/** For every file what was told about it. Of the messages, the first thousand that have a place. */
+/** For every file what was told about it. Of the errors and warnings, the first thousand that have a place. */
 export function marksOf(made: {
   readonly files: readonly TextFile[];
   readonly messages: readonly Message[];
@@ -34,7 +34,7 @@ export function marksOf(made: {
 }): FileMarks[] {
   const placed = made.messages
     .map((message, index) => ({ message, index }))
-    .filter(({ message }) => message.place !== undefined)
+    .filter(({ message: { place, severity } }) => place !== undefined && severity !== 'note')
     .slice(0, MOST_MARKS);
   return made.files.map(({ name }) => ({
     marks: placed.filter(({ message }) => message.place?.file === name),

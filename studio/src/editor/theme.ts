@@ -6,7 +6,12 @@ const severities = ['error', 'warning', 'info'] as const;
 const colourOf = { error: '--error', warning: '--warning', info: '--advice' } as const;
 
 export const theme = EditorView.theme({
-  '&': { height: '100%', color: 'var(--text)', backgroundColor: 'var(--surface)', fontSize: '13px' },
+  '&': {
+    height: '100%',
+    color: 'var(--text)',
+    backgroundColor: 'var(--surface)',
+    fontSize: '13px',
+  },
   '&.cm-focused': { outline: 'none' },
   '.cm-scroller': { fontFamily: 'var(--code-font)', lineHeight: '1.6' },
   '.cm-content': { padding: '8px 0', caretColor: 'var(--text)' },

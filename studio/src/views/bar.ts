@@ -33,7 +33,9 @@ function setSeed(store: Store<State>, choose: (value: number) => number): void {
     return;
   }
   if (seed.value === undefined) {
-    store.update({ notice: 'The seed is held by a macro or constant: change it where it is defined.' });
+    store.update({
+      notice: 'The seed is held by a macro or constant: change it where it is defined.',
+    });
     return;
   }
   const files = withSeed(project.files, seed, choose(seed.value));
@@ -47,7 +49,12 @@ function drawn(): number {
 
 /** `flush` puts what was typed last into the store. */
 export function seedCommands(flush: () => void): readonly Command[] {
-  const command = (id: string, title: string, choose: (value: number) => number, keys?: string) => ({
+  const command = (
+    id: string,
+    title: string,
+    choose: (value: number) => number,
+    keys?: string,
+  ) => ({
     id,
     title,
     ...(keys === undefined ? {} : { keys }),
@@ -64,7 +71,11 @@ export function seedCommands(flush: () => void): readonly Command[] {
 }
 
 function button(commands: Commands, id: string, title: string, ...content: (Node | string)[]) {
-  const made = el('button', { type: 'button', class: 'quiet', title, 'aria-label': title }, ...content);
+  const made = el(
+    'button',
+    { type: 'button', class: 'quiet', title, 'aria-label': title },
+    ...content,
+  );
   made.addEventListener('click', () => commands.run(id));
   return made;
 }
@@ -130,7 +141,13 @@ function pageView(store: Store<State>, commands: Commands, element: HTMLElement)
   );
 }
 
+const GROUPS = { '.bar-transport': 'Transport', '.bar-seed': 'Seed', '.bar-page': 'Page' } as const;
+
 export function barView(store: Store<State>, commands: Commands, bar: HTMLElement): void {
+  for (const [selector, label] of Object.entries(GROUPS)) {
+    part(selector, bar).setAttribute('role', 'group');
+    part(selector, bar).setAttribute('aria-label', label);
+  }
   seedView(store, commands, part('.bar-seed', bar));
   pageView(store, commands, part('.bar-page', bar));
 }

@@ -15,7 +15,6 @@ export const MOST_SHOWN = 1000;
 const WORDS: readonly (readonly [Severity, string, string])[] = [
   ['error', 'error', 'errors'],
   ['warning', 'warning', 'warnings'],
-  ['note', 'note', 'notes'],
 ];
 
 /** "1 error  2 warnings", without the kinds that there are none of. */
@@ -26,9 +25,9 @@ export function counts(messages: readonly Message[]): { severity: Severity; text
   });
 }
 
-/** What is worth a line of the list: errors, warnings, and notes that have a place. */
+/** What is worth a line of the list. Notes tell how a run went, not what is to be mended. */
 export function listed(messages: readonly Message[]): number[] {
-  return messages.flatMap(({ severity, place }, i) => (severity !== 'note' || place ? [i] : []));
+  return messages.flatMap(({ severity }, i) => (severity === 'note' ? [] : [i]));
 }
 
 /** The place in words: the line, and before it the file where it is not the piece. */
@@ -147,7 +146,11 @@ export function messagesView(
           text,
         ),
       ),
-      el('span', { class: 'messages-fold', 'aria-hidden': 'true' }, layout.messagesOpen ? '▾' : '▸'),
+      el(
+        'span',
+        { class: 'messages-fold', 'aria-hidden': 'true' },
+        layout.messagesOpen ? '▾' : '▸',
+      ),
     );
     summary.title = layout.messagesOpen ? 'Fold the messages away' : 'Show the messages';
     summary.setAttribute('aria-expanded', String(layout.messagesOpen));

@@ -1,13 +1,10 @@
 // A sentence that a composer should read now. It stays until it is dismissed or another one takes its place.
+import type { Commands } from '../core/commands.ts';
 import { el } from '../core/dom.ts';
 import type { State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 
-export function noticeView(
-  store: Store<State>,
-  run: (id: string) => void,
-  element: HTMLElement,
-): void {
+export function noticeView(store: Store<State>, commands: Commands, element: HTMLElement): void {
   const sentence = el('span', { class: 'notice-text' });
   const dismiss = el(
     'button',
@@ -16,7 +13,8 @@ export function noticeView(
   );
   dismiss.addEventListener('click', () => store.update({ notice: '' }));
   const act = el('button', { type: 'button' });
-  act.addEventListener('click', () => run(store.get().offer.command));
+  act.addEventListener('click', () => commands.run(store.get().offer.command));
+  element.setAttribute('role', 'status');
   element.append(sentence, act, dismiss);
   store.watch(
     (state) => state.notice,

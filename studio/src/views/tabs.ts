@@ -1,7 +1,7 @@
 // The tabs above the editor: the piece, its includes, the orchestra. An include can be added, renamed and closed; one
 // that was closed can be brought back.
 import type { Message } from 'korvo';
-import type { Command } from '../core/commands.ts';
+import type { Command, Commands } from '../core/commands.ts';
 import { el } from '../core/dom.ts';
 import { freeName, nameTrouble, withFile, withName, withoutFile } from '../core/files.ts';
 import type { State, Tab } from '../core/state.ts';
@@ -52,22 +52,18 @@ function goTo(store: Store<State>, step: number): void {
   store.update({ tab: tabs[(at + step + tabs.length) % tabs.length] ?? 0 });
 }
 
-export interface TabsView {
-  readonly commands: readonly Command[];
-}
-
 export function tabsView(
   store: Store<State>,
-  run: (id: string) => void,
+  commands: Commands,
   element: HTMLElement,
-): TabsView {
+): readonly Command[] {
   const list = el('div', { role: 'tablist', 'aria-label': 'Texts', class: 'tab-list' });
   const add = el(
     'button',
     { type: 'button', class: 'quiet', title: 'A new include', 'aria-label': 'A new include' },
     '+',
   );
-  add.addEventListener('click', () => run('newInclude'));
+  add.addEventListener('click', () => commands.run('newInclude'));
   element.append(list, add);
 
   let worst: ReadonlyMap<string, Trouble> = new Map();
@@ -155,7 +151,9 @@ export function tabsView(
     const focused = list.contains(document.activeElement);
     list.replaceChildren(
       ...project.files.map(({ name }, i) =>
-        renaming === i ? nameField(i, name) : tabButton(i, i === 0 ? 'piece' : name, worst.get(name)),
+        renaming === i
+          ? nameField(i, name)
+          : tabButton(i, i === 0 ? 'piece' : name, worst.get(name)),
       ),
       tabButton('orchestra', 'orchestra', undefined),
     );
@@ -192,45 +190,46 @@ export function tabsView(
       draw();
     },
   );
-  store.watch(({ tab, project }) => [tab, ...project.files.map(({ name }) => name)].join('|'), draw);
+  store.watch(
+    ({ tab, project }) => [tab, ...project.files.map(({ name }) => name)].join('|'),
+    draw,
+  );
 
-  return {
-    commands: [
-      {
-        id: 'newInclude',
-        title: 'New include',
-        run: () => {
-          const { project } = store.get();
-          store.update(withFile(project, { name: freeName(project.files), text: '' }));
-          rename(project.files.length);
-        },
+  return [
+    {
+      id: 'newInclude',
+      title: 'New include',
+      run: () => {
+        const { project } = store.get();
+        store.update(withFile(project, { name: freeName(project.files), text: '' }));
+        rename(project.files.length);
       },
-      {
-        id: 'renameInclude',
-        title: 'Rename this include',
-        enabled: ({ tab }) => isInclude(tab),
-        run: () => {
-          const { tab } = store.get();
-          if (isInclude(tab)) rename(tab);
-        },
+    },
+    {
+      id: 'renameInclude',
+      title: 'Rename this include',
+      enabled: ({ tab }) => isInclude(tab),
+      run: () => {
+        const { tab } = store.get();
+        if (isInclude(tab)) rename(tab);
       },
-      {
-        id: 'closeInclude',
-        title: 'Close this include',
-        enabled: ({ tab }) => isInclude(tab),
-        run: () => {
-          const { tab } = store.get();
-          if (isInclude(tab)) closeInclude(store, tab);
-        },
+    },
+    {
+      id: 'closeInclude',
+      title: 'Close this include',
+      enabled: ({ tab }) => isInclude(tab),
+      run: () => {
+        const { tab } = store.get();
+        if (isInclude(tab)) closeInclude(store, tab);
       },
-      {
-        id: 'reopenInclude',
-        title: 'Bring back the include that was closed last',
-        enabled: ({ closed }) => closed.length > 0,
-        run: reopenInclude,
-      },
-      { id: 'nextTab', title: 'Next text', keys: 'Alt+PageDown', run: () => goTo(store, 1) },
-      { id: 'tabBefore', title: 'Text before', keys: 'Alt+PageUp', run: () => goTo(store, -1) },
-    ],
-  };
+    },
+    {
+      id: 'reopenInclude',
+      title: 'Bring back the include that was closed last',
+      enabled: ({ closed }) => closed.length > 0,
+      run: reopenInclude,
+    },
+    { id: 'nextTab', title: 'Next text', keys: 'Alt+PageDown', run: () => goTo(store, 1) },
+    { id: 'tabBefore', title: 'Text before', keys: 'Alt+PageUp', run: () => goTo(store, -1) },
+  ];
 }
