@@ -106,6 +106,10 @@ export interface State {
   readonly kept: string;
   /** A sentence that a composer should read now; empty: none. */
   readonly notice: string;
+  /** What can be done about a notice, as long as it is the one that is shown: a command and its title there. */
+  readonly offer: { readonly notice: string; readonly command: string; readonly title: string };
+  /** Includes that were taken out of the piece, the newest last. */
+  readonly closed: readonly TextFile[];
 }
 
 export interface Lane {
