@@ -156,6 +156,14 @@ describe('what a caller throws', () => {
     expect(scoreOf(korvo.render(SMALL).output)).toBe(SMALL_SCORE);
   });
 
+  it('leaves no frames on the stack of the module, which has five megabytes', async () => {
+    const korvo = await load();
+    for (let round = 0; round < 1000; ++round) {
+      expect(() => korvo.render('#include |a|', { include: stop })).toThrow(stopped);
+    }
+    expect(scoreOf(korvo.render(SMALL).output)).toBe(SMALL_SCORE);
+  });
+
   it('may be that one run is started inside another', async () => {
     const korvo = await load();
     const nested = (): string => scoreOf(korvo.render(SMALL).output);
