@@ -12,7 +12,7 @@ import {
   isSign,
   nameEnd,
 } from './characters.ts';
-import { constantValue, valueAt } from './constants.ts';
+import { valueAt, withConstant } from './constants.ts';
 import {
   atPfield,
   beginHeader,
@@ -151,7 +151,7 @@ export function readConst(r: Reader): void {
     take(r, to, 'constantDefinition');
     r.state.stage = 1;
   } else if (r.state.stage === 1 && beginsNumber(r)) {
-    keepConstant(r);
+    r.state.constants = withConstant(r.state.constants, r.state.name, r.line, r.at);
     takeNumber(r);
     endStatement(r);
   } else {
@@ -163,14 +163,6 @@ function beginsNumber(r: Reader): boolean {
   return (
     peek(r) === '~' || numberEnd(r.line, r.at) > r.at || (isSign(peek(r)) && peek(r, 1) === '~')
   );
-}
-
-// Remembers the constant that is being defined, its value beginning here.
-function keepConstant(r: Reader): void {
-  const { name, constants } = r.state;
-  if (constantValue(constants, name) === undefined) {
-    r.state.constants = { name, value: valueAt(r.line, r.at, constants), older: constants };
-  }
 }
 
 /** A statement is complete: another may follow on its line. */
