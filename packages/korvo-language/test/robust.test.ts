@@ -142,10 +142,21 @@ it.each(Object.entries(REPEATED))('takes twice the steps for twice as many %s', 
   expect(once).toBeLessThanOrEqual(2 * part.length * 2000);
 });
 
-// Whatever took more than its part of the time for every character would take hours here.
-it.each(Object.entries(REPEATED))('reads a megabyte of %s', (_name, part) => {
-  const text = part.repeat(Math.ceil(2 ** 20 / part.length));
+// Whatever took more than its part of the time for every character would take minutes here.
+it.each(Object.entries(REPEATED))('reads a long text of %s', (_name, part) => {
+  const text = part.repeat(Math.ceil(2 ** 17 / part.length));
   const { length } = tokenize(text.replaceAll('\n', ' '));
   expect(length).toBeGreaterThan(0);
   expect(outline(text).macros.length).toBeLessThan(text.length);
+});
+
+it('reads a megabyte in a line, and in lines', () => {
+  const text = pieces.find(({ name }) => name === 'examples/progression')?.text ?? '';
+  expect(text).not.toBe('');
+  const megabyte = text.repeat(Math.ceil(2 ** 20 / text.length));
+  const parts = Object.values(REPEATED).map((part) =>
+    part.repeat(Math.ceil(2 ** 16 / part.length)),
+  );
+  expect(tokenize(megabyte).length).toBeGreaterThan(0);
+  expect(tokenize(parts.join('').replaceAll('\n', ' ')).length).toBeGreaterThan(0);
 });
