@@ -7,7 +7,7 @@ export interface Command {
   readonly id: string;
   /** In the list: what it does, as a sentence without a full stop. */
   readonly title: string;
-  /** As they are shown: "Ctrl+Enter", "Alt+ArrowUp", "?". Keys without Ctrl or Alt do not count while one types. */
+  /** As they are shown: "Ctrl+Enter", "Alt+ArrowUp", "?". Characters without Ctrl or Alt do not count while one types. */
   readonly keys?: string;
   /** The keys count only while the focus is within what this selects. */
   readonly within?: string;
@@ -91,7 +91,7 @@ export function createCommands(store: Store<State>): Commands {
 
   function counts(command: Command, name: string, path: readonly EventTarget[]): boolean {
     if (command.keys !== name) return false;
-    if (!/Ctrl\+|Alt\+|^F\d/.test(name) && isTypedIn(path)) return false;
+    if (!/Ctrl\+|Alt\+|F\d+$/.test(name) && isTypedIn(path)) return false;
     // Space presses a button and belongs to it.
     if (name === 'Space' && isPressed(path)) return false;
     const { within } = command;
