@@ -3,12 +3,15 @@ import { part } from './core/dom.ts';
 import { firstProject, firstState } from './core/first.ts';
 import { createStore } from './core/store.ts';
 import { runLive } from './run/live.ts';
+import { detailView } from './views/detail.ts';
 import { scoreView } from './views/score.ts';
+import { createSight } from './views/sight.ts';
 import { statusView } from './views/status.ts';
 
 const store = createStore(firstState(firstProject()));
-window.korvoStudio = { store };
 
 runLive(store);
 statusView(store, part('.status'));
-window.korvoStudio = { ...window.korvoStudio, store, score: scoreView(store, part('.views')) };
+const sight = createSight(store, part('.views'));
+window.korvoStudio = { store, score: scoreView(sight, part('.views')) };
+detailView(sight, part('.detail'));
