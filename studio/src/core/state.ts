@@ -80,8 +80,10 @@ export interface Layout {
   readonly theme: Theme;
   readonly pane: Pane;
   readonly detail: Detail;
-  /** Share of the width that the text has, 0 to 1; 0: folded away. */
+  /** Share of the width that the text has, 0 to 1; 0: folded away, 1: the score is. */
   readonly split: number;
+  /** The share when both were last to be seen. */
+  readonly unfolded: number;
   readonly messagesOpen: boolean;
 }
 
@@ -104,6 +106,10 @@ export interface State {
   readonly kept: string;
   /** A sentence that a composer should read now; empty: none. */
   readonly notice: string;
+  /** What can be done about a notice, as long as it is the one that is shown: a command and its title there. */
+  readonly offer: { readonly notice: string; readonly command: string; readonly title: string };
+  /** Includes that were taken out of the piece, the newest last. */
+  readonly closed: readonly TextFile[];
 }
 
 export interface Lane {

@@ -4,10 +4,11 @@ import type { State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 import { scoreOf } from '../model/score.ts';
 import { createRunner } from './runner.ts';
+import { runWorker } from './spawn.ts';
 
 export function runLive(store: Store<State>): { stop: () => void } {
   const runner = createRunner({
-    worker: () => new Worker(new URL('./worker.ts', import.meta.url), { type: 'module' }),
+    worker: runWorker,
     progress: (events) =>
       store.update(({ run }) => (run.kind === 'running' ? { run: { ...run, events } } : {})),
   });

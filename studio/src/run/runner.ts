@@ -65,6 +65,7 @@ export function createRunner({
     const job = current;
     if (!job) return;
     current = undefined;
+    clearTimeout(timer);
     replaceWorker();
     if (!waiting) job.end({ kind: 'stopped', milliseconds: performance.now() - job.begun, why });
     next();
@@ -92,7 +93,6 @@ export function createRunner({
   }
 
   function next(): void {
-    clearTimeout(timer);
     if (current || !waiting) return;
     current = waiting;
     waiting = undefined;
@@ -116,7 +116,6 @@ export function createRunner({
     },
     stop(why) {
       waiting = undefined;
-      clearTimeout(timer);
       abandon(why);
     },
     close() {

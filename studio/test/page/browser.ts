@@ -7,7 +7,8 @@ import type { AddressInfo } from 'node:net';
 import { extname, join, normalize, resolve } from 'node:path';
 import { type Browser, type BrowserContextOptions, chromium, type Page } from 'playwright-core';
 
-const BUILD = resolve(import.meta.dirname, '../../../build/studio');
+/** The built page. */
+export const BUILD = resolve(import.meta.dirname, '../../../build/studio');
 const CHROMIUM = process.env.KORVO_CHROMIUM ?? '/usr/bin/chromium';
 
 /** What a wait may take before it counts as hung; far from what it takes on a busy machine. */
