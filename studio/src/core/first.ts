@@ -62,7 +62,7 @@ export function firstState(project: Project): State {
     },
     chosen: new Uint32Array(),
     window: { from: 0, to: 0, low: 0, high: 0 },
-    lanes: [],
+    lanes: [{ what: 5, how: 'points' }],
     pitchField: undefined,
     sound: {
       transport: 'stopped',

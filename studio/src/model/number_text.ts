@@ -72,6 +72,46 @@ function writeWhole(value: number): string {
   return BigInt(Math.trunc(Math.max(-(2 ** 63), value))).toString();
 }
 
+/** The number that a column of P4 and above writes; a hidden value stays as it is. */
+export function convert(kind: OutputKind, value: number, bins: Bins = COMMON_BINS): number {
+  switch (kind) {
+    case 're':
+    case 'xx':
+      return value;
+    case 'in':
+      return single(roundHalfUp(value));
+    case 'db':
+      return decibelsOf(value);
+    case 'hz':
+      return frequencyOf(value);
+    case 'op':
+      return single(octaveOf(value) + 4 + single(semitoneOf(value) / 100));
+    case 'od':
+      return single(octaveOf(value) + 4 + single(semitoneOf(value) / 12));
+    case 'tr':
+      return SEMITONE_RATIO ** value;
+    case 'bn':
+      return roundHalfUp(single(frequencyOf(value) / single(bins.sampleRate / bins.fftSize)));
+  }
+}
+
+/** How many decimals a kind has; undefined: its p-field's own. */
+const DECIMALS: Readonly<Record<OutputKind, number | undefined>> = {
+  re: undefined,
+  xx: undefined,
+  in: 0,
+  db: 1,
+  hz: 5,
+  op: 3,
+  od: 2,
+  tr: 6,
+  bn: 0,
+};
+
+export function decimalsOf(kind: OutputKind, decimals: number): number {
+  return DECIMALS[kind] ?? decimals;
+}
+
 /** A value of P4 and above as its column writes it, without the blanks before it; a hidden one as a real number. */
 export function formatColumn(
   kind: OutputKind,
@@ -79,27 +119,9 @@ export function formatColumn(
   value: number,
   bins: Bins = COMMON_BINS,
 ): string {
-  switch (kind) {
-    case 're':
-    case 'xx':
-      return writeFixed(value, decimals);
-    case 'in':
-      return writeWhole(single(roundHalfUp(value)));
-    case 'db':
-      return writeFixed(decibelsOf(value), 1);
-    case 'hz':
-      return writeFixed(frequencyOf(value), 5);
-    case 'op':
-      return writeFixed(single(octaveOf(value) + 4 + single(semitoneOf(value) / 100)), 3);
-    case 'od':
-      return writeFixed(single(octaveOf(value) + 4 + single(semitoneOf(value) / 12)), 2);
-    case 'tr':
-      return writeFixed(SEMITONE_RATIO ** value, 6);
-    case 'bn': {
-      const width = single(bins.sampleRate / bins.fftSize);
-      return writeWhole(roundHalfUp(single(frequencyOf(value) / width)));
-    }
-  }
+  const converted = convert(kind, value, bins);
+  if (kind === 'in' || kind === 'bn') return writeWhole(converted);
+  return writeFixed(converted, decimalsOf(kind, decimals));
 }
 
 const WIDTHS: Readonly<Record<Exclude<OutputKind, 're' | 'xx'>, number>> = {

@@ -38,7 +38,8 @@ export function timeLabel(seconds: Seconds, step: Seconds = 1): string {
 
 function multiples(from: number, to: number, step: number): number[] {
   const values: number[] = [];
-  for (let n = Math.ceil(from / step - 1e-9); n * step <= to; ++n) values.push(n * step);
+  // Adding 0 makes of -0 what it looks like.
+  for (let n = Math.ceil(from / step - 1e-9) + 0; n * step <= to; ++n) values.push(n * step);
   return values;
 }
 

@@ -24,7 +24,8 @@ export interface Roll {
   layout(): RollLayout | undefined;
 }
 
-export const KEYS_WIDTH = 56;
+/** As --keys of the style. */
+export const KEYS_WIDTH = 64;
 /** A key or a button moves by this share of what is seen, and zooms by this factor. */
 const STEP = 0.15;
 export const ZOOM = 1.5;

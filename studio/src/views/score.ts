@@ -1,32 +1,35 @@
 // The picture of the score: a bar with what one can do, the ruler, the roll, the lanes, and over all of them the play head.
 import { el } from '../core/dom.ts';
-import type { State } from '../core/state.ts';
-import type { Store } from '../core/store.ts';
 import { allNotes } from '../model/chosen.ts';
 import { instrumentsOf, PLAIN_COLOURS } from '../model/colours.ts';
-import { NO_PITCH, possiblePitches } from '../model/roles.ts';
+import { NO_PITCH, possiblePitches, rolesOf } from '../model/roles.ts';
 import type { RollLayout } from '../model/roll_layout.ts';
+import type { RulerLayout } from '../model/ruler_layout.ts';
 import { resolve, WHOLE, xOf, zoomed } from '../model/window.ts';
 import type { PlayClock } from '../sound/clock.ts';
+import { type Lanes, lanesView } from './lanes.ts';
 import { KEYS_WIDTH, rollView, ZOOM } from './roll.ts';
 import { rulerView } from './ruler.ts';
-import { createSight } from './sight.ts';
+import type { Sight } from './sight.ts';
 
 export interface ScoreView {
   /** What the roll shows at present, as numbers. */
   layout(): RollLayout | undefined;
+  ruler(): RulerLayout | undefined;
+  readonly lanes: Lanes['layouts'];
   /** Milliseconds that the last frames took to draw. */
   readonly frameCosts: readonly number[];
 }
 
 const MOST_LEGENDS = 12;
 
-export function scoreView(store: Store<State>, element: HTMLElement, clock?: PlayClock): ScoreView {
-  const sight = createSight(store, element);
+export function scoreView(sight: Sight, element: HTMLElement, clock?: PlayClock): ScoreView {
+  const { store } = sight;
   const ruler = rulerView(sight);
   const roll = rollView(sight);
   const head = el('div', { class: 'play-head', 'aria-hidden': 'true' });
-  const stage = el('div', { class: 'stage' }, ruler.element, roll.element, head);
+  const lanes = lanesView(sight);
+  const stage = el('div', { class: 'stage' }, ruler.element, roll.element, lanes.element, head);
   element.append(bar(), stage);
 
   // ---- The bar
@@ -52,7 +55,7 @@ export function scoreView(store: Store<State>, element: HTMLElement, clock?: Pla
       (score) => {
         const numbers = possiblePitches(score.blocks);
         pitch.replaceChildren(
-          el('option', { value: '' }, 'found'),
+          el('option', { value: '' }, foundPitch()),
           ...numbers.map((number) => el('option', { value: number }, `p${number}`)),
           el('option', { value: NO_PITCH }, 'none'),
         );
@@ -84,6 +87,14 @@ export function scoreView(store: Store<State>, element: HTMLElement, clock?: Pla
       button('Zoom in (+)', '+', () => zoomBy(ZOOM)),
       button('See the whole score (0, or a double click)', 'Fit', () => sight.look(WHOLE)),
     );
+  }
+
+  function foundPitch(): string {
+    for (const block of store.get().made.score.blocks) {
+      const { pitch } = rolesOf(block, undefined);
+      if (pitch !== undefined) return `p${block.pfields[pitch]?.number} (found)`;
+    }
+    return 'none (found)';
   }
 
   function legendOf(number: number, colour: number): HTMLElement {
@@ -124,5 +135,10 @@ export function scoreView(store: Store<State>, element: HTMLElement, clock?: Pla
     },
   );
 
-  return { layout: roll.layout, frameCosts: sight.frames.costs };
+  return {
+    layout: roll.layout,
+    ruler: ruler.layout,
+    lanes: lanes.layouts,
+    frameCosts: sight.frames.costs,
+  };
 }
