@@ -20,6 +20,7 @@ import { enter, isLoose, peek, type Reader, take, takeSome } from './reader.ts';
 import { integerEnd } from './values.ts';
 
 const COUNT = 2; // items of a header: instrument 0, "=" 1, number of p-fields 2, start 3, length 4, "{" 5
+const LENGTH = 4;
 const OPENING = 5;
 
 export function readHeader(r: Reader): void {
@@ -36,6 +37,8 @@ export function readHeader(r: Reader): void {
     r.state.loose = false;
   } else if (stage >= COUNT && stage < OPENING && takeNumber(r)) {
     r.state.stage++;
+  } else if (stage === LENGTH && peek(r) === '-') {
+    takeSome(r, 1, 'operator'); // blanks may stand behind it
   } else if (stage >= COUNT && isOneOf(peek(r), ',/')) {
     takeSome(r, 1, 'separator');
   } else if (!recovers(r)) {

@@ -75,14 +75,17 @@ export function readCall(r: Reader): void {
     return;
   }
   const slot = slotAt(r.state.name, r.state.stage);
+  const divides = slot === 'equation' && r.state.inside === 2;
+  if (isOneOf(peek(r), ',/') && slot !== 'open' && !divides) {
+    takeSome(r, 1, 'separator');
+    return;
+  }
   if (READERS[slot](r)) {
     return;
   }
   if (peek(r) === ')' && slot !== 'open') {
     takeSome(r, 1, 'bracket');
     enter(r, r.state.from);
-  } else if (isOneOf(peek(r), ',/') && slot !== 'open') {
-    takeSome(r, 1, 'separator');
   } else if (slot === 'open') {
     enter(r, r.state.from); // a name without its arguments
   } else {

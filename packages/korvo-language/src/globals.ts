@@ -1,11 +1,11 @@
 // Between the blocks: statements, and the words of the text layer that define something.
 
 import {
-  beginsReference,
   blanksEnd,
   charAt,
   endOf,
   isBlank,
+  isDigit,
   isLetter,
   isNamePart,
   isOneOf,
@@ -23,8 +23,9 @@ import {
   takeUnknown,
 } from './items.ts';
 import { mayStandIn, nameAt } from './names.ts';
-import { enter, isAt, isLoose, peek, type Reader, take, takeSome, wordEnd } from './reader.ts';
-import { takeConstant } from './references.ts';
+import { enter, isAt, isLoose, peek, type Reader, take, takeSome } from './reader.ts';
+import { takeCall, takeConstant } from './references.ts';
+import type { State } from './state.ts';
 import { numberEnd } from './values.ts';
 import { findWord } from './words.ts';
 
@@ -184,6 +185,8 @@ function abandon(r: Reader): void {
   endStatement(r);
 }
 
+type Condition = State['condition'];
+
 const CURVES_FROM = 5; // terms of `te`, the "(" counting
 
 /** The arguments of a statement: "(" (0), then numbers; the last of `te` may be a curve. */
@@ -196,6 +199,8 @@ export function readArguments(r: Reader): void {
   } else if (stage > 0 && peek(r) === ')') {
     takeSome(r, 1, 'bracket');
     endArguments(r);
+  } else if (name === 'if' && peek(r) === '$') {
+    takeCall(r);
   } else if (stage > 0 && stage < most && takeNumber(r)) {
     r.state.stage++;
   } else if (name === 'te' && stage === CURVES_FROM && takeCurve(r)) {
@@ -230,40 +235,56 @@ export function takeCurve(r: Reader): boolean {
 }
 
 /**
- * `#if(value)` at the start of a line. Tells what the value is, as far as that can be known; what is behind it is left
- * to be read on.
+ * `#if(value)` at the start of a line. What the value is, as far as that can be known, is the condition from here on; a
+ * value that cannot be read changes nothing about it, and is left to be read on.
  */
 export function readCondition(r: Reader): void {
   takeSome(r, 3, 'directive');
   takeSome(r, 1, 'bracket');
   r.at = blanksEnd(r.line, r.at);
   if (peek(r) === '$') {
-    const behind = callEnd(r.line, r.at);
-    take(r, behind, 'macroCall');
     r.state.condition = 'unknown';
+    take(r, callEnd(r.line, r.at), 'macroCall');
   } else if (peek(r) === '~') {
-    const value = valueAt(r.line, r.at, r.state.constants);
-    if (value === undefined || value > -0.0005) {
-      r.state.condition = value === undefined ? 'unknown' : value < 0.0005 ? 'zero' : 'other';
-    }
-    const behind = peek(r, 1) === '[' ? r.line.indexOf(']', r.at) + 1 : r.at + 1;
-    take(r, behind > r.at + 1 ? behind : nameEnd(r.line, r.at + 1), 'constant');
-  } else if (isOneOf(peek(r), '0123456789')) {
-    const to = numberEnd(r.line, r.at);
-    r.state.condition = Number(r.line.slice(r.at, to)) === 0 ? 'zero' : 'other';
-    take(r, to, 'number');
+    const value = asWritten(valueAt(r.line, r.at, r.state.constants));
+    r.state.condition = conditionOf(value, r.state.condition);
+    take(r, referenceEnd(r), 'constant');
+  } else if (isDigit(peek(r))) {
+    r.state.condition = conditionOf(valueAt(r.line, r.at, undefined), r.state.condition);
+    take(r, numberEnd(r.line, r.at), 'number');
+  } else {
+    return;
   }
   r.at = blanksEnd(r.line, r.at);
   if (peek(r) === ')') {
     takeSome(r, 1, 'bracket');
-  } else if (!beginsReference(peek(r)) && peek(r) !== '') {
-    take(r, Math.max(wordEnd(r), closeEnd(r)), 'unknown');
   }
 }
 
-// Behind the ")" that closes what cannot be read.
-function closeEnd(r: Reader): number {
-  return r.line.indexOf(')', r.at) + 1;
+// A number with a sign cannot be read.
+function conditionOf(value: number | undefined, before: Condition): Condition {
+  if (value === undefined) {
+    return 'unknown';
+  }
+  return value < 0 ? before : value === 0 ? 'zero' : 'other';
+}
+
+// A constant is written with three decimals.
+function asWritten(value: number | undefined): number | undefined {
+  return value === undefined || value < 0 ? value : Math.round(value * 1000) / 1000;
+}
+
+// Where "~" and what follows end; of an equation that is its "]".
+function referenceEnd(r: Reader): number {
+  const behind = r.at + 1;
+  switch (peek(r, 1)) {
+    case '[':
+      return r.line.indexOf(']', behind) + 1 || r.line.length;
+    case '@':
+      return endOf(r.line, behind + 1, isDigit);
+    default:
+      return nameEnd(r.line, behind);
+  }
 }
 
 /** Where a call ends: behind its name or, when "(" follows directly, behind the ")" that balances it. */

@@ -176,7 +176,8 @@ function takeCommentText(r: Reader, from: number): void {
 
 // Where text is not read, it does not matter what stands for it.
 function readReference(r: Reader): boolean {
-  if (r.state.place === 'behind' || r.state.place === 'skipped') {
+  const { place, body } = r.state;
+  if (place === 'behind' || place === 'skipped' || (body && peek(r) === '#')) {
     return false;
   }
   if (peek(r) === '$' && !r.plain) {

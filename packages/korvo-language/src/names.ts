@@ -1,8 +1,8 @@
 // The names of two letters, from the table of words: where each may stand and what it is.
 
-import { charAt, isDigit, isOneOf } from './characters.ts';
+import { charAt, endOf, isDigit, isOneOf } from './characters.ts';
 import type { TokenKind } from './kinds.ts';
-import type { Mode, Place } from './state.ts';
+import type { Place } from './state.ts';
 import type { WordPlace } from './words.ts';
 import { wordsOf } from './words.ts';
 
@@ -49,23 +49,21 @@ export function kindAt(line: string, at: number): Name | undefined {
   return KINDS.get(line.slice(at, at + 2).toLowerCase());
 }
 
-/** Where the name of the table ends, with the digit or the "x" that belongs to it; undefined for a digit above 7. */
+const HIGHEST_DIGIT = 7;
+
+/** Where a name ends, with the digit or the "x" that belongs to it; undefined for a number above 7. */
 export function tailEnd(line: string, at: number, name: Name): number | undefined {
   const behind = at + 2;
-  const c = charAt(line, behind);
   if (name.name === 're' || name.name === 'bn') {
-    if (!isDigit(c)) {
-      return behind;
-    }
-    return c <= '7' && !isDigit(charAt(line, behind + 1)) ? behind + 1 : undefined;
+    const to = endOf(line, behind, isDigit);
+    return Number(line.slice(behind, to)) <= HIGHEST_DIGIT ? to : undefined;
   }
-  return name.kind === 'mode' && hasQuarterTones(name.name as Mode) && isOneOf(c, 'xX')
-    ? behind + 1
-    : behind;
+  return hasQuarterTones(name.name) && isOneOf(charAt(line, behind), 'xX') ? behind + 1 : behind;
 }
 
-export function hasQuarterTones(mode: Mode): boolean {
-  return mode === 'no' || mode === 'op';
+/** Whether a name may have an "x" behind it. */
+export function hasQuarterTones(name: string): boolean {
+  return name === 'no' || name === 'op';
 }
 
 /** Whether a name may stand in a p-field; the number 0 is any of them. */

@@ -10,11 +10,14 @@ export function takeCall(r: Reader): void {
   const name = r.line.slice(r.at + 1, to);
   const parameter = r.state.body && r.state.parameters.includes(` ${name} `);
   take(r, to, parameter ? 'macroParameter' : 'macroCall');
+  if (r.state.body) {
+    return;
+  }
+  r.state.loose = true;
   if (peek(r) === '(' && name !== '') {
     takeSome(r, 1, 'bracket');
     r.nest += '(';
   }
-  r.state.loose = r.state.loose || !r.state.body;
 }
 
 /** "~" and what follows; of an equation only its "[". */

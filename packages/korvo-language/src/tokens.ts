@@ -42,10 +42,11 @@ function readFree(r: Reader): void {
 
 // A "#" ends the body of a macro, wherever the text in it has led to.
 function readBodyEnd(r: Reader): boolean {
-  if (!r.state.body || peek(r) !== '#' || r.nest !== '') {
+  if (!r.state.body || peek(r) !== '#') {
     return false;
   }
   takeSome(r, 1, 'macroMark');
+  r.nest = '';
   r.state.body = false;
   r.state.loose = false;
   r.state.pfield = 0;
@@ -163,23 +164,71 @@ export interface TokenizedLine {
 /** The tokens of a line, which has no line feed, and the state in which the next one begins. */
 export function tokenLine(line: string, state: State): TokenizedLine {
   const tokens: Token[] = [];
-  let now = state;
-  let base = 0;
-  for (const length of partsOf(line)) {
-    const part = line.slice(base, base + length);
-    const nul = part.indexOf('\0');
-    const r = readLine(nul < 0 ? part : part.slice(0, nul), base, now);
-    if (nul >= 0) {
-      r.tokens.push({ from: base + nul, to: base + length, kind: 'dropped' });
-    }
-    endLine(r);
-    now = r.state;
-    for (const token of r.tokens) {
+  const r = readParts(line, state, (part) => {
+    for (const token of part.tokens) {
       tokens.push(token);
     }
+  });
+  endLine(r);
+  return { tokens, state: sameState(r.state, state) ? state : r.state };
+}
+
+// Reads the parts of a line one after another, and gives what is known behind the last one.
+function readParts(line: string, state: State, tell: (part: Reader) => void): Reader {
+  let now = state;
+  let base = 0;
+  let r = readLine('', 0, state);
+  for (const length of partsOf(line)) {
+    r = readPart(line.slice(base, base + length), base, now);
+    tell(r);
     base += length;
+    if (base < line.length) {
+      endLine(r);
+      now = r.state;
+    }
   }
-  return { tokens, state: sameState(now, state) ? state : now };
+  return r;
+}
+
+// What stands behind a NUL is not seen.
+function readPart(part: string, base: number, state: State): Reader {
+  const nul = part.indexOf('\0');
+  const r = readLine(nul < 0 ? part : part.slice(0, nul), base, state);
+  if (nul >= 0) {
+    r.tokens.push({ from: base + nul, to: base + part.length, kind: 'dropped' });
+  }
+  return r;
+}
+
+// Where the line of an offset begins, and in which state.
+function lineOf(text: string, offset: number): { begin: number; state: State } {
+  let state = startState();
+  let begin = 0;
+  for (
+    let feed = text.indexOf('\n');
+    feed >= 0 && feed < offset;
+    feed = text.indexOf('\n', begin)
+  ) {
+    state = tokenLine(text.slice(begin, feed), state).state;
+    begin = feed + 1;
+  }
+  return { begin, state };
+}
+
+/** What the reader knows at an offset of a text; its tokens are those of the line up to there. */
+export function readTo(text: string, offset: number): Reader {
+  const { begin, state } = lineOf(text, offset);
+  return readParts(text.slice(begin, offset), state, () => {});
+}
+
+/** The token around an offset, or else the one that ends there. */
+export function tokenAt(text: string, offset: number): Token | undefined {
+  const { begin, state } = lineOf(text, offset);
+  const feed = text.indexOf('\n', begin);
+  const { tokens } = tokenLine(text.slice(begin, feed < 0 ? text.length : feed), state);
+  const at = offset - begin;
+  const token = tokens.filter(({ from, to }) => from <= at && at <= to).at(-1);
+  return token && { from: begin + token.from, to: begin + token.to, kind: token.kind };
 }
 
 /** The tokens of a whole text; their offsets are those of the text. */

@@ -171,7 +171,7 @@ EXPORTED(abandon) void abandon() {
   run = nullptr;
 }
 
-EXPORTED(perform) int perform(unsigned wishes, double alreadySaid) {
+EXPORTED(perform) int perform(unsigned wishes) {
   run = korvo::newRun();
   if (run == nullptr) {
     return kNoRun;
@@ -181,7 +181,6 @@ EXPORTED(perform) int perform(unsigned wishes, double alreadySaid) {
   options.silent = (wishes & kSilent) != 0;
   options.tempoVerbose = (wishes & kTempoVerbose) != 0;
   options.places = (wishes & kPlaces) != 0;
-  options.alreadySaid = static_cast<std::int64_t>(alreadySaid);
   korvo::Listener listener;
   listener.message = message;
   listener.output = output;

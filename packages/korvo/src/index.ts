@@ -1,5 +1,4 @@
-// Loads the library and serves runs. A run is a call into the module that is answered by the functions of run.ts;
-// what throws in them leaves the module on the spot, and what it had taken for the run is given back afterwards.
+// Loads the library and serves runs. A run is a call into the module, which the functions of run.ts answer.
 
 import { MemoryRefused } from './bytes.ts';
 import { type Calls, instantiate, type Module, Outcome, Wish } from './module.ts';
@@ -45,31 +44,40 @@ function resultOf(run: Run, ok: boolean): Result {
   };
 }
 
-/** The result of a run for which there was no memory outside the module. */
-function refused(module: Module, messages: readonly Message[]): Result {
+/** The result of a run for which there was no memory, or too little outside the module. */
+function refused(module: Module, run: Run): Result {
+  run.messages.push(outOfMemory(module));
   return {
     ok: false,
     output: new Uint8Array(0),
     blocks: [],
-    messages: [...messages, outOfMemory(module)],
+    messages: run.messages,
     expanded: new Uint8Array(0),
-    dropped: [],
+    dropped: run.droppedLines,
   };
 }
 
-function perform(module: Module, run: Run, options: Options): Result {
-  const { exports } = module;
+/** What `step` gives; what throws in it leaves the module on the spot, which is put in order again. */
+function inModule<T>({ exports }: Module, step: () => T): T {
   const stack = exports.stackSave();
   try {
-    const outcome = exports.perform(wishesOf(options), 0);
-    return outcome === Outcome.noRun
-      ? refused(module, run.messages)
-      : resultOf(run, outcome === Outcome.complete);
+    return step();
   } catch (error) {
     exports.stackRestore(stack);
     exports.abandon();
+    throw error;
+  }
+}
+
+function perform(module: Module, run: Run, options: Options): Result {
+  try {
+    const outcome = inModule(module, () => module.exports.perform(wishesOf(options)));
+    return outcome === Outcome.noRun
+      ? refused(module, run)
+      : resultOf(run, outcome === Outcome.complete);
+  } catch (error) {
     if (error instanceof MemoryRefused) {
-      return refused(module, run.messages);
+      return refused(module, run);
     }
     throw error;
   }

@@ -53,7 +53,7 @@ export const Outcome = { complete: 0, failed: 1, noRun: 2 } as const;
 interface Exports {
   readonly memory: WebAssembly.Memory;
   readonly _initialize: () => void;
-  readonly perform: (wishes: number, alreadySaid: number) => number;
+  readonly perform: (wishes: number) => number;
   readonly abandon: () => void;
   readonly errorText: (number: number) => Address;
   readonly warningText: (number: number) => Address;

@@ -1,6 +1,6 @@
 // One run: it answers what the library asks, and gathers what it is told.
 
-import { allocate, type GrowingBytes, growingBytes } from './bytes.ts';
+import { allocate, type GrowingBytes, growingBytes, MemoryRefused } from './bytes.ts';
 import type { Address, Calls, Module } from './module.ts';
 import { inUnitsOf, readInto, type Text, textOf } from './texts.ts';
 import type {
@@ -25,6 +25,9 @@ export interface Run extends Calls {
 const SEVERITIES: readonly Severity[] = ['note', 'warning', 'error'];
 const LINE_END = new Uint8Array([10]);
 
+/** Bytes of messages in a run. A short text can ask for gigabytes, and an engine that has no room for them just ends. */
+const MOST_SAID = 1 << 27;
+
 export function startRun(module: Module, content: string | Uint8Array, options: Options): Run {
   const texts: Text[] = [textOf(options.name ?? 'piece', content)];
   const whole = growingBytes();
@@ -34,6 +37,7 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
   const blocks: Block[] = [];
   const messages: Message[] = [];
   const droppedLines: DroppedLines[] = [];
+  let said = 0;
   let places: Place[] = [];
   let pfields: Pfield[] = [];
   let columns: Float32Array[] = [];
@@ -49,6 +53,13 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
     }
     const name = module.text(file, size);
     return texts.findLast((text, index) => index > 0 && text.name === name);
+  }
+
+  function countSaid(printedSize: number): void {
+    said += printedSize;
+    if (said > MOST_SAID) {
+      throw new MemoryRefused();
+    }
   }
 
   return {
@@ -92,13 +103,17 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
       }
     },
     message(severity, number, onStandardOutput, text, textSize, printed, printedSize) {
+      countSaid(printedSize);
       const [place, body] = places;
       places = [];
+      const shown = module.text(printed, printedSize);
+      const from = text - printed;
+      const isPart = from >= 0 && from + textSize <= printedSize && shown.length === printedSize;
       messages.push({
         severity: SEVERITIES[severity] ?? 'error',
         number,
-        text: module.text(text, textSize),
-        printed: module.text(printed, printedSize),
+        text: isPart ? shown.slice(from, from + textSize) : module.text(text, textSize),
+        printed: shown,
         onStandardOutput: onStandardOutput !== 0,
         ...(place && { place }),
         ...(body && { body }),

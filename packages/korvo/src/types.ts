@@ -120,5 +120,5 @@ export interface Korvo {
 
 export interface LoadOptions {
   /** The bytes of the WebAssembly module; without them they come from where the package lies. */
-  readonly wasm?: BufferSource;
+  readonly wasm?: ArrayBuffer | Uint8Array;
 }

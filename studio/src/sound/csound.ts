@@ -156,11 +156,7 @@ export async function createCsound(
     format: () => form,
     perform: () => exports.csoundPerformKsmps(csound) === 0,
     period: () =>
-      new Float64Array(
-        memory.buffer,
-        exports.csoundGetSpout(csound),
-        form.ksmps * form.channels,
-      ),
+      new Float64Array(memory.buffer, exports.csoundGetSpout(csound), form.ksmps * form.channels),
     event: (line) => withText(line, (at) => exports.csoundInputMessage(csound, at)),
   };
 }

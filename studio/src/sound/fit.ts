@@ -75,7 +75,8 @@ function fitOf(block: Block): Fit {
   const kindOf = (column: number) => block.pfields[column]?.kind ?? 're';
   const p = (column: number) => `p(${fieldNumber(block, column)})`;
   const pan = block.pfields.findIndex(({ number, kind }, column) => {
-    if (number < 4 || kind !== 're' || column === pitch || column === loudness?.column) return false;
+    if (number < 4 || kind !== 're' || column === pitch || column === loudness?.column)
+      return false;
     const { low, high } = extent(block.columns[column]);
     return low >= 0 && high <= 1 && high > low;
   });
@@ -106,7 +107,8 @@ function choice(fits: ReadonlyMap<number, Fit>, of: (fit: Fit) => string): strin
 export function macros(blocks: readonly Block[], orchestra: string): string[] {
   const fits = new Map<number, Fit>();
   for (const block of blocks)
-    if (block.eventCount > 0 && !fits.has(block.instrument)) fits.set(block.instrument, fitOf(block));
+    if (block.eventCount > 0 && !fits.has(block.instrument))
+      fits.set(block.instrument, fitOf(block));
   if (fits.size === 0) fits.set(1, { hz: MIDDLE_C_HZ, amp: '0.3', pan: '0.5' });
   const instruments = [...fits.keys()].sort((a, b) => a - b).join(', ');
   const all: readonly (readonly [string, string])[] = [

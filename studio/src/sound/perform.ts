@@ -34,11 +34,7 @@ export interface Tell {
 
 export class OrchestraError extends Error {}
 
-async function started(
-  module: WebAssembly.Module,
-  csd: string,
-  say: Tell['say'],
-): Promise<Csound> {
+async function started(module: WebAssembly.Module, csd: string, say: Tell['say']): Promise<Csound> {
   const csound = await createCsound(module, say);
   if (!csound.start(csd)) throw new OrchestraError('The orchestra has an error.');
   return csound;
@@ -66,9 +62,7 @@ export async function play(module: WebAssembly.Module, piece: Piece, tell: Tell)
     tell.say('The score has lines of its own that cannot be repeated: it is played to its end.');
     loop = undefined;
   }
-  const first = loop
-    ? { score: endlessScore(score), lead: 0 }
-    : scoreFrom(score, piece.from);
+  const first = loop ? { score: endlessScore(score), lead: 0 } : scoreFrom(score, piece.from);
   const csd = csdText({ orchestra: piece.orchestra, score: first.score });
   const csound = await started(module, csd, tell.say);
   const { sampleRate, channels, ksmps, fullScale } = csound.format();
@@ -127,8 +121,9 @@ export async function play(module: WebAssembly.Module, piece: Piece, tell: Tell)
 
 /** A line of a turn with its start that much later. */
 function shifted(line: string, wait: Seconds): string {
-  return line.replace(/^(i\s*\S+ )(\S+)/, (_, head: string, start: string) =>
-    `${head}${(Number(start) + wait).toFixed(6)}`,
+  return line.replace(
+    /^(i\s*\S+ )(\S+)/,
+    (_, head: string, start: string) => `${head}${(Number(start) + wait).toFixed(6)}`,
   );
 }
 

@@ -8,10 +8,7 @@ declare const sampleRate: number;
 declare class AudioWorkletProcessor {
   readonly port: MessagePort;
 }
-declare function registerProcessor(
-  name: string,
-  processor: new () => AudioWorkletProcessor,
-): void;
+declare function registerProcessor(name: string, processor: new () => AudioWorkletProcessor): void;
 
 /** Frames that must be there before the sound begins, or goes on. */
 const ENOUGH = 4096;

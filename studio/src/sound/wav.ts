@@ -12,7 +12,10 @@ const HEADER = 44;
 const PCM = 1;
 const FLOAT = 3;
 
-export function wavHeader({ sampleRate, channels, depth }: WavFormat, dataBytes: number): Uint8Array {
+export function wavHeader(
+  { sampleRate, channels, depth }: WavFormat,
+  dataBytes: number,
+): Uint8Array {
   const bytes = new Uint8Array(HEADER);
   const view = new DataView(bytes.buffer);
   const word = (at: number, text: string) => {

@@ -1,7 +1,8 @@
 // The worker that runs Csound, for one performance: then it is ended, whether the orchestra has come to an end or not.
-import { Exit } from './wasi.ts';
+
 import { OrchestraError, type Player, play, render, type Tell } from './perform.ts';
 import type { FromSpeaker, FromWorker, ModuleSource, Sound, ToWorker } from './protocol.ts';
+import { Exit } from './wasi.ts';
 
 /** Frames that are made ahead of what is heard. */
 const AHEAD = 8192;

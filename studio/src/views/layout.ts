@@ -1,7 +1,7 @@
 // How the page is divided: the divider between text and score, panes that fold away and come back as wide as they
 // were, one pane at a time on a narrow page, light and dark.
 import type { Command } from '../core/commands.ts';
-import { el } from '../core/dom.ts';
+import { el, part } from '../core/dom.ts';
 import type { Layout, Pane, State, Theme } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 
@@ -131,13 +131,8 @@ function bottomTabs(store: Store<State>, app: HTMLElement, element: HTMLElement)
 }
 
 export function layoutView(store: Store<State>, app: HTMLElement): void {
-  const find = (selector: string) => {
-    const found = app.querySelector<HTMLElement>(selector);
-    if (!found) throw new Error(`The page has no ${selector}.`);
-    return found;
-  };
-  dividerView(store, app, find('.divider'));
-  bottomTabs(store, app, find('.bottom-tabs'));
+  dividerView(store, app, part('.divider', app));
+  bottomTabs(store, app, part('.bottom-tabs', app));
   store.watch(
     (state) => state.layout.theme,
     (theme) => {

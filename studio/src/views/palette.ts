@@ -127,3 +127,15 @@ export function openKeys(commands: Commands): void {
   close.addEventListener('click', () => dialog.close());
   openDialog(dialog);
 }
+
+export function pageCommands(commands: Commands): readonly Command[] {
+  return [
+    {
+      id: 'palette',
+      title: 'Everything that can be done',
+      keys: 'Ctrl+K',
+      run: () => openPalette(commands),
+    },
+    { id: 'keys', title: 'Show the keys', keys: '?', run: () => openKeys(commands) },
+  ];
+}

@@ -35,4 +35,4 @@ instr Together
   outs tanh(gaLeft * kgain), tanh(gaRight * kgain)
   clear gaLeft, gaRight
 endin
-alwayson "Together"
+schedule "Together", 0, -1
