@@ -1,4 +1,5 @@
 import { defineConfig } from 'vite';
+import { csoundModule } from './csound_wasm.ts';
 
 // The pages lie beside each other under relative addresses, so that any folder of any web server will do.
 export default defineConfig({
@@ -11,5 +12,6 @@ export default defineConfig({
     modulePreload: { polyfill: false },
     assetsInlineLimit: 0,
   },
+  plugins: [csoundModule()],
   worker: { format: 'es' },
 });

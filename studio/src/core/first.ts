@@ -1,5 +1,6 @@
 // What the page shows before anything has been kept.
 import { emptyScore } from '../model/score.ts';
+import { usualOrchestra } from '../sound/orchestras/index.ts';
 import type { Project, State } from './state.ts';
 
 const PIECE = `; A tune drawn by chance over a bass that stays. Three things to try:
@@ -41,7 +42,7 @@ export function firstProject(): Project {
     id: crypto.randomUUID(),
     name: 'untitled',
     files: [{ name: 'piece', text: PIECE }],
-    orchestra: '',
+    orchestra: usualOrchestra,
     orchestraAsleep: false,
   };
 }
@@ -71,6 +72,8 @@ export function firstState(project: Project): State {
       progress: 0,
       lines: [],
       trouble: '',
+      older: false,
+      volume: 0.8,
     },
     layout: {
       theme: 'system',
