@@ -11,6 +11,7 @@ export default defineConfig({
     target: 'es2022',
     modulePreload: { polyfill: false },
     assetsInlineLimit: 0,
+    chunkSizeWarningLimit: 1000,
   },
   plugins: [csoundModule()],
   worker: { format: 'es' },
