@@ -67,32 +67,25 @@ export function keepProject(
   { storage, claim: claimPiece = claim }: KeeperParts,
 ): void {
   const mine = new Set<string>();
-  /** A piece that another tab has, as it was when it was opened here. */
-  let foreign: Project | undefined;
+  /** A copy of a piece that another tab has, as long as nobody has changed it. */
+  let copy: Project | undefined;
   let writing = false;
 
-  /** Whether the piece may be written by this tab. */
+  /** Whether the piece may be written by this tab; where it may not, a copy takes its place. */
   async function isMine(project: Project): Promise<boolean> {
     if (mine.has(project.id)) return true;
-    if (foreign?.id !== project.id) {
-      if (await claimPiece(project.id)) {
-        mine.add(project.id);
-        return true;
-      }
-      foreign = project;
-      store.update({
-        notice: `“${project.name}” is open in another tab, too. What you change here is kept as a copy.`,
-      });
+    if (await claimPiece(project.id)) {
+      mine.add(project.id);
+      return true;
     }
-    return false;
-  }
-
-  function copy(project: Project): void {
-    const name = nameOfCopy(project.name);
+    const { project: newest } = store.get();
+    if (newest.id !== project.id) return false;
+    copy = { ...newest, id: crypto.randomUUID(), name: nameOfCopy(newest.name) };
     store.update({
-      project: { ...project, id: crypto.randomUUID(), name },
-      notice: `“${project.name}” is open in another tab; what you change here is kept as “${name}”.`,
+      project: copy,
+      notice: `“${newest.name}” is open in another tab; what you change here is kept as “${copy.name}”.`,
     });
+    return false;
   }
 
   async function write(): Promise<void> {
@@ -101,13 +94,12 @@ export function keepProject(
     try {
       let done: Project | undefined;
       while (done !== store.get().project) {
-        const project = store.get().project;
+        const { project } = store.get();
         done = project;
-        if (await isMine(project)) {
-          await storage.write(project);
-          localStorage.setItem(LAST, project.id);
-          store.update({ kept: 'kept in this browser' });
-        } else if (store.get().project !== foreign) copy(store.get().project);
+        if (project === copy || !(await isMine(project))) continue;
+        await storage.write(project);
+        localStorage.setItem(LAST, project.id);
+        store.update({ kept: 'kept in this browser' });
       }
     } catch (error) {
       store.update({ kept: 'not kept', notice: troubleOf(error) });

@@ -42,10 +42,11 @@ test('a piece that another tab has is copied when it is changed here, and not to
   await storage.write(theirs);
   keepProject(store, { storage, claim: async (id) => id !== theirs.id });
   await vi.waitFor(() => expect(store.get().notice).toContain('another tab'));
-  write('te(99)');
-  await vi.waitFor(() => expect(store.get().project.id).not.toBe(theirs.id));
   expect(store.get().project.name).toBe('untitled 2');
   const { id } = store.get().project;
+  expect(id).not.toBe(theirs.id);
+  expect(await storage.read(id)).toBeUndefined();
+  write('te(99)');
   await vi.waitFor(async () => {
     expect((await storage.read(id))?.files[0]?.text).toBe('te(99)');
   });
