@@ -136,6 +136,19 @@ test('constants of the piece and of its includes are offered', async () => {
   expect(labels).toContain('bars');
 });
 
+test('an include is coloured and completed as what it is where it stands', async () => {
+  const { page } = await open(
+    ['piece', 'i1 = 4 0 -4 {\n#include |tune|\n}\n'],
+    ['tune', '  p2 1\n  p3 .9\n  '],
+  );
+  await page.click('[role=tab] >> text=tune');
+  expect(await page.locator('.editor .t-head').first().textContent()).toBe('p2');
+  await page.click(content);
+  await page.keyboard.press('Control+End');
+  await page.keyboard.type('p4 R');
+  await page.locator('.editor .cm-tooltip-autocomplete li', { hasText: /^RA/ }).waitFor();
+});
+
 test('hovering tells what an item is', async () => {
   const { page, faults } = await open(['piece', `te(60)\n${BLOCK}`]);
   await page.locator('.editor .t-name', { hasText: 'te' }).hover();
