@@ -112,7 +112,7 @@ function seedView(store: Store<State>, commands: Commands, element: HTMLElement)
     (state) => state.project.files,
     (files) => {
       clearTimeout(timer);
-      timer = setTimeout(() => show(seedOf(files)), 60);
+      timer = setTimeout(() => show(seedOf(files)), 150);
     },
   );
 }

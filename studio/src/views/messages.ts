@@ -13,6 +13,9 @@ import { type Line, linesOf } from '../model/messages.ts';
 /** How many messages are shown; a piece can bring as many as it has lines. */
 export const MOST_SHOWN = 1000;
 
+/** Rows are made as they are scrolled to: a key must not wait for a thousand of them. */
+const PAGE = 50;
+
 const WORDS: readonly (readonly [Severity, string, string])[] = [
   ['error', 'error', 'errors'],
   ['warning', 'warning', 'warnings'],
@@ -59,6 +62,7 @@ export function messagesView(
   element.append(summary, list);
   let shown: readonly Line[] = [];
   let at = -1;
+  let more = 0;
 
   summary.addEventListener('click', () =>
     store.update(({ layout }) => ({ layout: { ...layout, messagesOpen: !layout.messagesOpen } })),
@@ -68,6 +72,7 @@ export function messagesView(
     const { made, project } = store.get();
     const message = made.messages[index];
     at = shown.findIndex((line) => line.index === index);
+    if (store.get().layout.messagesOpen) drawRows(at + PAGE);
     for (const [i, item] of [...list.children].entries())
       item.classList.toggle('current', i === at);
     list.children[at]?.scrollIntoView({ block: 'nearest' });
@@ -130,12 +135,25 @@ export function messagesView(
     return entry;
   }
 
+  /** Rows up to `count`, and behind the last of all what is not shown. */
+  function drawRows(count: number): void {
+    const drawn = list.children.length;
+    if (drawn >= shown.length) return;
+    list.append(...shown.slice(drawn, count).map(item));
+    if (count >= shown.length && more > 0)
+      list.append(el('li', { class: 'dim' }, `and ${more.toLocaleString('en')} more`));
+  }
+
+  list.addEventListener('scroll', () => {
+    const left = list.scrollHeight - list.scrollTop - list.clientHeight;
+    if (left < 2 * list.clientHeight) drawRows(list.children.length + PAGE);
+  });
+
   function draw(): void {
     const { made, layout } = store.get();
     const all = linesOf(made.messages);
     shown = all.slice(0, MOST_SHOWN);
     at = -1;
-    const more = all.length - shown.length;
     const kinds = counts(made.messages);
     element.classList.toggle('none', all.length === 0);
     summary.replaceChildren(
@@ -156,12 +174,10 @@ export function messagesView(
     summary.title = layout.messagesOpen ? 'Fold the messages away' : 'Show the messages';
     summary.setAttribute('aria-expanded', String(layout.messagesOpen));
     list.hidden = !layout.messagesOpen;
-    list.replaceChildren(
-      ...(layout.messagesOpen ? shown.map(item) : []),
-      ...(layout.messagesOpen && more > 0
-        ? [el('li', { class: 'dim' }, `and ${more.toLocaleString('en')} more`)]
-        : []),
-    );
+    more = all.length - shown.length;
+    list.replaceChildren();
+    list.scrollTop = 0;
+    if (layout.messagesOpen) drawRows(PAGE);
   }
 
   store.watch((state) => state.made.messages, draw);

@@ -225,6 +225,9 @@ test('F8 goes from message to message', async () => {
 test('many messages are a list of a thousand and a number', async () => {
   const silenced = 'i-1 = 3 0 -4 {\n  p2 1\n  p3 .9\n}\n';
   const { page } = await open(['piece', `${silenced.repeat(1100)}${BLOCK}`]);
+  const last = page.locator('.message-list > li').last();
+  for (let rows = 0; rows < 1000; rows = await page.locator('.message-list .message').count())
+    await last.scrollIntoViewIfNeeded();
   await page.locator('.message-list > li.dim').waitFor();
   expect(await page.locator('.message-list .message').count()).toBe(1000);
   const all = (await state(page)).made.messages.filter(({ severity }) => severity !== 'note');

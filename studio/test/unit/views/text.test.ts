@@ -21,8 +21,8 @@ test('messages are counted by kind, notes are left out, and what is told again h
   ];
   expect(counts(messages).map(({ text }) => text)).toEqual(['1 error', '2 warnings']);
   expect(linesOf(messages)).toEqual([
-    { index: 0, times: 2 },
     { index: 2, times: 1 },
+    { index: 0, times: 2 },
   ]);
 });
 
