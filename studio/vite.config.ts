@@ -1,4 +1,5 @@
 import { defineConfig } from 'vite';
+import { csoundModule } from './csound_wasm.ts';
 
 // The pages lie beside each other under relative addresses, so that any folder of any web server will do.
 export default defineConfig({
@@ -10,6 +11,8 @@ export default defineConfig({
     target: 'es2022',
     modulePreload: { polyfill: false },
     assetsInlineLimit: 0,
+    chunkSizeWarningLimit: 1000,
   },
+  plugins: [csoundModule()],
   worker: { format: 'es' },
 });

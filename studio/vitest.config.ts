@@ -10,6 +10,7 @@ export default defineConfig({
     projects: [
       { extends: true, test: { name: 'unit', include: ['test/unit/**/*.test.ts'] } },
       { extends: true, test: { name: 'page', include: ['test/page/**/*.test.ts'] } },
+      { extends: true, test: { name: 'screenshots', include: ['test/screenshots/*.test.ts'] } },
     ],
   },
 });

@@ -92,6 +92,7 @@ class Checker:
         self.binary = binary
         self.yardstick = yardstick
         self.written = None  # the files that lie in the folder
+        self.held = 0  # laws that were looked at and held
 
     # ---- runs
 
@@ -108,6 +109,7 @@ class Checker:
         cost = self.yardstick.cost(seconds, lambda: self.spawn(options)[1], most)
         if cost > most:
             raise Broken(f"cost: {cost:.1f} yardsticks for {events} events with {options}")
+        self.held += 2  # status and cost
         return result
 
     def spawn(self, options):
@@ -126,8 +128,7 @@ class Checker:
         result = Result(os.waitstatus_to_exitcode(status), *(take(name) for name in FILES))
         return result, usage.ru_utime + usage.ru_stime
 
-    @staticmethod
-    def same(law, a, b, fields="status stdout output stderr"):
+    def same(self, law, a, b, fields="status stdout output stderr"):
         for field in fields.split():
             x, y = getattr(a, field), getattr(b, field)
             if x != y:
@@ -136,6 +137,7 @@ class Checker:
                         if one != other:
                             raise Broken(f"{law}: {field}: {one[:150]!r} and {other[:150]!r}")
                 raise Broken(f"{law}: {field}: {x!r:.100} and {y!r:.100}")
+        self.held += 1
 
     # ---- the laws
 
@@ -190,6 +192,7 @@ class Checker:
         ending = b"\n" if result.status == 0 else b""
         if result.log + ending != result.stderr:
             self.same("log", Result(0, b"", result.log + ending, b"", b"", b""), result, "stderr")
+        self.held += 1
 
     def check_silent(self, loud, silent):
         self.same("silent", loud, silent, "status stdout output expansion")
@@ -211,6 +214,7 @@ class Checker:
         - to text on the line of an #if or #endif, which is read but not written, and to "#in" elsewhere (the include
           pass would look at it anew);
         - to a "$" that stayed in the line because the line began with the call that left it;
+        - where a body is so near its limit that the blank at the end of each of its lines makes it too long;
         - where a macro's body goes on behind the end of a block: in the piece that is the rest of the block's last line,
           which is not read, in the file it is lines of its own.
         Trailing blanks of the lines taken literally into the score may differ: a line's end becomes a blank each time."""
@@ -226,6 +230,9 @@ class Checker:
         fed = self.run({"piece.txt": plain.expansion.decode("latin-1")}, "-s")
         strip = lambda data: re.sub(rb"[ \r]+\n", b"\n", data)
         plain = Result(plain.status, plain.stdout, b"", strip(plain.output), b"", b"")
+        # a blank for each of its lines can make a body too long by itself
+        if b"The macro body has exceeded" in fed.stderr:
+            return
         fed.output = strip(fed.output)
         self.same("feedback", plain, fed, "status stdout output")
 
@@ -296,6 +303,7 @@ class Checker:
         ends = [float(words[5]) for words in said] + [0.0]
         if float(total[1]) != max(ends) and not math.isnan(float(total[1])):
             raise Broken(f"summary: {total[1]} seconds in all, the blocks say {max(ends)}")
+        self.held += 3  # sorted, columns and summary
 
     @staticmethod
     def rounding(text):
@@ -338,6 +346,7 @@ class Checker:
         starts = [float(start) for start in listed]
         if len(starts) != counts[0x90] * 2 or any(a > b for a, b in zip(starts, starts[1:])):
             raise Broken("midi: the listing is not that of the track, in order")
+        self.held += 1
 
 
 # ---- many pieces
@@ -354,13 +363,14 @@ def begin_worker(binary, folder):
 
 def one(task):
     binary, seed = task
+    checker = Checker(binary, yardstick)
     try:
-        Checker(binary, yardstick).check(seed)
+        checker.check(seed)
     except Broken as law:
-        return seed, str(law)
+        return seed, str(law), checker.held
     except (IndexError, KeyError) as fault:
-        return seed, f"midi: cannot be read: {fault!r}"
-    return seed, None
+        return seed, f"midi: cannot be read: {fault!r}", checker.held
+    return seed, None, checker.held
 
 
 def main():
@@ -374,11 +384,12 @@ def main():
     binary = str(Path(given.binary).resolve())
     keep = Path(given.keep or Path(tempfile.gettempdir()) / "korvo-failing-pieces").resolve()
     folder = tempfile.mkdtemp(prefix="korvo-laws-", dir="/dev/shm" if os.path.isdir("/dev/shm") else None)
-    passed = failed = 0
+    passed = failed = held = 0
     try:
         tasks = ((binary, seed) for seed in range(given.seed, given.seed + given.pieces))
         with multiprocessing.Pool(given.jobs, begin_worker, (binary, folder)) as pool:
-            for seed, law in pool.imap_unordered(one, tasks, chunksize=8):
+            for seed, law, count in pool.imap_unordered(one, tasks, chunksize=8):
+                held += count
                 if law is None:
                     passed += 1
                     continue
@@ -392,6 +403,7 @@ def main():
                 print(f"seed {seed}: {law}\n    kept in {place}", flush=True)
     finally:
         shutil.rmtree(folder, ignore_errors=True)
+    print(f"{held} times a law held")
     print(f"{passed} passed, {failed} failed")
     return 1 if failed else 0
 

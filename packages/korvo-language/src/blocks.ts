@@ -50,8 +50,10 @@ export function readHeader(r: Reader): void {
 export function readSkipped(r: Reader): void {
   if (peek(r) === '}') {
     closeBlock(r);
+  } else if (peek(r) === '{') {
+    takeSome(r, 1, 'bracket');
   } else {
-    take(r, untilMark(r, '}'), 'dropped');
+    take(r, untilMark(r, '{}'), 'dropped');
   }
 }
 

@@ -8,7 +8,7 @@ import { definitionsOf, placeOf } from './definitions.ts';
 import type { TokenKind } from './kinds.ts';
 import { withoutLinks } from './markdown.ts';
 import { mayStand, type Name, nameAt } from './names.ts';
-import type { BlockOutline, Outline } from './outline.ts';
+import type { BlockOutline, MacroOutline, Outline } from './outline.ts';
 import { outline } from './outline.ts';
 import type { Reader } from './reader.ts';
 import { readTo } from './tokens.ts';
@@ -290,15 +290,22 @@ function sources(spot: Spot): CompletionItem[] {
     : [];
 }
 
-function macros({ text, files, r, own }: Spot, sign: string): CompletionItem[] {
+// The macro whose body is being written: one that called itself would never end.
+function macroBefore({ macros: all }: Outline, offset: number): MacroOutline | undefined {
+  return all.filter((macro) => macro.from < offset).at(-1);
+}
+
+function macros({ text, from, files, r, own }: Spot, sign: string): CompletionItem[] {
   const parameters = r.state.body ? r.state.parameters.split(' ').filter(Boolean) : [];
   const inBody = parameters.map((name): CompletionItem => {
     const label = `$${name}`;
     return { label, insert: label, kind: 'macroParameter', detail: 'a parameter', help: '' };
   });
+  const open = r.state.body ? macroBefore(own(), from) : undefined;
+  const known = definitionsOf(text, own(), files).macros.filter((m) => m.definition !== open);
   return [
     ...(sign === '' ? [] : inBody),
-    ...definitionsOf(text, own(), files).macros.map((each): CompletionItem => {
+    ...known.map((each): CompletionItem => {
       const { name, parameters: list, body } = each.definition;
       const label = `${sign}${name}`;
       return {

@@ -8,6 +8,33 @@ export interface Constants {
   readonly name: string;
   readonly value: number | undefined;
   readonly older: Constants | undefined;
+  /** How many there are, with this one. */
+  readonly count: number;
+}
+
+// More are not kept, so that a piece of any size is read in the time of its length.
+const MOST_CONSTANTS = 500;
+
+/** The list with another constant, whose value begins at an offset of a line. */
+export function withConstant(
+  list: Constants | undefined,
+  name: string,
+  line: string,
+  at: number,
+): Constants | undefined {
+  const count = (list?.count ?? 0) + 1;
+  if (count > MOST_CONSTANTS || findConstant(list, name)) {
+    return list;
+  }
+  return { name, value: valueAt(line, at, list), older: list, count };
+}
+
+function findConstant(list: Constants | undefined, name: string): Constants | undefined {
+  let cell = list;
+  while (cell && cell.name !== name) {
+    cell = cell.older;
+  }
+  return cell;
 }
 
 export function sameConstants(a: Constants | undefined, b: Constants | undefined): boolean {
@@ -23,20 +50,6 @@ export function sameConstants(a: Constants | undefined, b: Constants | undefined
   return true;
 }
 
-// Further back nobody looks: a piece of any size is read in the time of its length.
-const MOST_CONSTANTS = 1000;
-
-export function constantValue(list: Constants | undefined, name: string): number | undefined {
-  let cell = list;
-  for (let i = 0; cell && i < MOST_CONSTANTS; i++) {
-    if (cell.name === name) {
-      return cell.value;
-    }
-    cell = cell.older;
-  }
-  return undefined;
-}
-
 /** The value of the number or the reference (behind its `~`) that begins here, as far as it is known. */
 export function valueAt(text: string, at: number, list: Constants | undefined): number | undefined {
   if (charAt(text, at) !== '~') {
@@ -46,7 +59,7 @@ export function valueAt(text: string, at: number, list: Constants | undefined): 
   if (charAt(text, at + 1) === '[') {
     return equationValue(text, at + 2, list);
   }
-  return constantValue(list, text.slice(at + 1, nameEnd(text, at + 1)));
+  return findConstant(list, text.slice(at + 1, nameEnd(text, at + 1)))?.value;
 }
 
 const OPERATIONS: Readonly<Record<string, (a: number, b: number) => number>> = {
@@ -81,7 +94,7 @@ function equationValue(
       return undefined;
     }
     const part = text.slice(at, to);
-    const value = isLetter(c) ? constantValue(list, part) : Number(part);
+    const value = isLetter(c) ? findConstant(list, part)?.value : Number(part);
     if (value === undefined) {
       return undefined;
     }

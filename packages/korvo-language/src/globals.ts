@@ -1,7 +1,7 @@
 // Between the blocks: statements, and the words of the text layer that define something.
 
+import { recovers } from './blocks.ts';
 import {
-  blanksEnd,
   charAt,
   endOf,
   isBlank,
@@ -12,7 +12,7 @@ import {
   isSign,
   nameEnd,
 } from './characters.ts';
-import { constantValue, valueAt } from './constants.ts';
+import { valueAt, withConstant } from './constants.ts';
 import {
   atPfield,
   beginHeader,
@@ -23,8 +23,8 @@ import {
   takeUnknown,
 } from './items.ts';
 import { mayStandIn, nameAt } from './names.ts';
-import { enter, isAt, isLoose, peek, type Reader, take, takeSome } from './reader.ts';
-import { takeCall, takeConstant } from './references.ts';
+import { enter, isAt, isLoose, peek, type Reader, skipBlanks, take, takeSome } from './reader.ts';
+import { readNested, takeCall, takeConstant } from './references.ts';
 import type { State } from './state.ts';
 import { numberEnd } from './values.ts';
 import { findWord } from './words.ts';
@@ -151,7 +151,7 @@ export function readConst(r: Reader): void {
     take(r, to, 'constantDefinition');
     r.state.stage = 1;
   } else if (r.state.stage === 1 && beginsNumber(r)) {
-    keepConstant(r);
+    r.state.constants = withConstant(r.state.constants, r.state.name, r.line, r.at);
     takeNumber(r);
     endStatement(r);
   } else {
@@ -163,14 +163,6 @@ function beginsNumber(r: Reader): boolean {
   return (
     peek(r) === '~' || numberEnd(r.line, r.at) > r.at || (isSign(peek(r)) && peek(r, 1) === '~')
   );
-}
-
-// Remembers the constant that is being defined, its value beginning here.
-function keepConstant(r: Reader): void {
-  const { name, constants } = r.state;
-  if (constantValue(constants, name) === undefined) {
-    r.state.constants = { name, value: valueAt(r.line, r.at, constants), older: constants };
-  }
 }
 
 /** A statement is complete: another may follow on its line. */
@@ -193,6 +185,9 @@ const CURVES_FROM = 5; // terms of `te`, the "(" counting
 export function readArguments(r: Reader): void {
   const { stage, name } = r.state;
   const most = name === 'te' ? CURVES_FROM : 2;
+  if (recovers(r)) {
+    return;
+  }
   if (stage === 0 && peek(r) === '(') {
     takeSome(r, 1, 'bracket');
     r.state.stage = 1;
@@ -241,21 +236,23 @@ export function takeCurve(r: Reader): boolean {
 export function readCondition(r: Reader): void {
   takeSome(r, 3, 'directive');
   takeSome(r, 1, 'bracket');
-  r.at = blanksEnd(r.line, r.at);
+  skipBlanks(r);
   if (peek(r) === '$') {
     r.state.condition = 'unknown';
-    take(r, callEnd(r.line, r.at), 'macroCall');
+    const to = callEnd(r.line, r.at);
+    take(r, nameEnd(r.line, r.at + 1), 'macroCall');
+    take(r, to, 'text');
   } else if (peek(r) === '~') {
     const value = asWritten(valueAt(r.line, r.at, r.state.constants));
     r.state.condition = conditionOf(value, r.state.condition);
-    take(r, referenceEnd(r), 'constant');
+    takeWholeConstant(r);
   } else if (isDigit(peek(r))) {
     r.state.condition = conditionOf(valueAt(r.line, r.at, undefined), r.state.condition);
     take(r, numberEnd(r.line, r.at), 'number');
   } else {
     return;
   }
-  r.at = blanksEnd(r.line, r.at);
+  skipBlanks(r);
   if (peek(r) === ')') {
     takeSome(r, 1, 'bracket');
   }
@@ -274,21 +271,16 @@ function asWritten(value: number | undefined): number | undefined {
   return value === undefined || value < 0 ? value : Math.round(value * 1000) / 1000;
 }
 
-// Where "~" and what follows end; of an equation that is its "]".
-function referenceEnd(r: Reader): number {
-  const behind = r.at + 1;
-  switch (peek(r, 1)) {
-    case '[':
-      return r.line.indexOf(']', behind) + 1 || r.line.length;
-    case '@':
-      return endOf(r.line, behind + 1, isDigit);
-    default:
-      return nameEnd(r.line, behind);
+// With all of its equation.
+function takeWholeConstant(r: Reader): void {
+  takeConstant(r);
+  for (skipBlanks(r); r.nest !== '' && r.at < r.line.length; skipBlanks(r)) {
+    readNested(r);
   }
 }
 
-/** Where a call ends: behind its name or, when "(" follows directly, behind the ")" that balances it. */
-export function callEnd(line: string, at: number): number {
+// Where a call ends: behind its name or, when "(" follows directly, behind the ")" that balances it.
+function callEnd(line: string, at: number): number {
   let to = nameEnd(line, at + 1);
   let open = 0;
   while (to < line.length && (open > 0 || charAt(line, to) === '(')) {

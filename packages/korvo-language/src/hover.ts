@@ -136,14 +136,19 @@ function sayNumber(spot: Spot): Said | undefined {
   if (slot === 'span') {
     return inTable(['spans'], word.startsWith('-') ? '-8' : '8');
   }
-  const isValue = place === 'pfield' || (slot !== undefined && VALUE_SLOTS.has(slot));
+  const isValue =
+    place === 'pfield' || place === 'kind' || (slot !== undefined && VALUE_SLOTS.has(slot));
   if (!isValue) {
     return undefined;
   }
   return pfield === 3 ? sayDuration(Number(word)) : inTable(['modes'], mode);
 }
 
-const VALUE_SLOTS: ReadonlySet<string> = new Set(['range', 'value', 'list', 'groups']);
+// With the slots in front of a value that may be empty.
+const VALUE_SLOTS: ReadonlySet<string> = new Set([
+  ...['range', 'value', 'list', 'groups'],
+  ...['boundsOpen', 'curve', 'beats', 'choice'],
+]);
 
 // The row of the table of durations whose value is the highest that is not above this one.
 function sayDuration(value: number): Said | undefined {

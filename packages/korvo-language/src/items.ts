@@ -16,7 +16,7 @@ import type { Name } from './names.ts';
 import { hasQuarterTones, nameAt, tailEnd } from './names.ts';
 import { enter, isLoose, peek, type Reader, take, takeSome, wordEnd } from './reader.ts';
 import { takeConstant } from './references.ts';
-import type { Mode } from './state.ts';
+import type { Mode, Place } from './state.ts';
 import { integerEnd, noteEnd, numberEnd, rhythmEnd } from './values.ts';
 
 /** "i", a number and "=" as they open a block. */
@@ -80,20 +80,37 @@ export function takeName(r: Reader, name: Name): void {
     r.state.quarterTones = hasQuarterTones(r.state.mode) && isOneOf(charAt(r.line, to - 1), 'xX');
     return;
   }
-  r.state.from = r.state.place;
+  r.state.from = placeBehind(r);
   r.state.name = name.name;
   enter(r, name.kind === 'function' ? 'call' : 'arguments');
 }
 
-const VALUES: Readonly<
-  Record<Mode, { kind: TokenKind; end: (line: string, at: number) => number }>
-> = {
+// A call cannot stand in another one, nor in a header: what seems to is one behind a macro that has closed them.
+function placeBehind({ state }: Reader): Place {
+  switch (state.place) {
+    case 'call':
+    case 'arguments':
+      return state.from;
+    case 'kind':
+    case 'header':
+      return 'pfield';
+    default:
+      return state.place;
+  }
+}
+
+interface ValueReader {
+  readonly kind: TokenKind;
+  readonly end: (line: string, at: number, quarterTones: boolean) => number;
+}
+
+const VALUES: Readonly<Record<Mode, ValueReader>> = {
   re: { kind: 'number', end: numberEnd },
   in: { kind: 'number', end: numberEnd },
   db: { kind: 'number', end: numberEnd },
   op: { kind: 'number', end: numberEnd },
   rh: { kind: 'rhythm', end: rhythmEnd },
-  no: { kind: 'note', end: (line, at) => noteEnd(line, at, false) },
+  no: { kind: 'note', end: noteEnd },
 };
 
 /** A value in the input mode; false if none begins here. */
@@ -103,8 +120,7 @@ export function takeValue(r: Reader): boolean {
     return true;
   }
   const { kind, end } = VALUES[r.state.mode];
-  const to =
-    r.state.mode === 'no' ? noteEnd(r.line, r.at, r.state.quarterTones) : end(r.line, r.at);
+  const to = end(r.line, r.at, r.state.quarterTones);
   if (to > r.at) {
     take(r, to, peek(r) === 'r' ? 'rest' : kind);
     return true;
@@ -209,7 +225,7 @@ function takeAnything(r: Reader): void {
   } else if (isLetter(peek(r))) {
     takeLetters(r);
   } else if (sign) {
-    takeSomeSign(r, sign);
+    takeAnySign(r, sign);
   } else {
     take(r, wordEnd(r), 'text');
   }
@@ -224,7 +240,7 @@ function isName(r: Reader, name: Name): boolean {
   return charAt(r.line, to) === '(';
 }
 
-function takeSomeSign(r: Reader, kind: TokenKind): void {
+function takeAnySign(r: Reader, kind: TokenKind): void {
   const closes = peek(r) === ')' && r.nest === '';
   takeSome(r, 1, kind);
   if (closes && (r.state.place === 'call' || r.state.place === 'arguments')) {

@@ -1,6 +1,6 @@
 // The names of two letters, from the table of words: where each may stand and what it is.
 
-import { charAt, endOf, isDigit, isOneOf } from './characters.ts';
+import { charAt, endOf, isDigit, isLetter, isOneOf } from './characters.ts';
 import type { TokenKind } from './kinds.ts';
 import type { Place } from './state.ts';
 import type { WordPlace } from './words.ts';
@@ -31,6 +31,9 @@ const KINDS: ReadonlyMap<string, Name> = new Map(namesOf('kinds', 'kind'));
 
 /** The name at an offset, wherever it may stand; "dx" is another name of EX if a "(" follows. */
 export function nameAt(line: string, at: number): Name | undefined {
+  if (!isLetter(charAt(line, at))) {
+    return undefined;
+  }
   const letters = line.slice(at, at + 2).toLowerCase();
   return IN_TEXT.get(letters === 'dx' && dxIsCalled(line, at) ? 'ex' : letters);
 }

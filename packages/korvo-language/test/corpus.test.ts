@@ -81,3 +81,16 @@ it('knows most of what is in a piece that fails', () => {
   expect(unknown.length).toBeGreaterThan(0);
   expect(unknown.length / tokens.length).toBeLessThan(0.2);
 });
+
+it('leaves nothing open where there is neither a macro, nor an include, nor a condition', () => {
+  const plain = pieces.filter(({ text }) => !/[$#]/.test(text));
+  expect(plain.length).toBeGreaterThan(1000);
+  const open = plain.filter(({ text }) => tokenize(text).some(({ kind }) => kind === 'text'));
+  expect(open.map(({ name }) => name)).toEqual([]);
+});
+
+it('leaves little open in a piece with macros', () => {
+  const tokens = pieces.filter(({ runs }) => runs).flatMap(({ text }) => tokenize(text));
+  const open = tokens.filter(({ kind }) => kind === 'text');
+  expect(open.length / tokens.length).toBeLessThan(0.01);
+});

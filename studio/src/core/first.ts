@@ -1,5 +1,6 @@
 // What the page shows before anything has been kept.
 import { emptyScore } from '../model/score.ts';
+import { usualOrchestra } from '../sound/orchestras/index.ts';
 import type { Project, State } from './state.ts';
 
 const PIECE = `; A tune drawn by chance over a bass that stays. Three things to try:
@@ -43,7 +44,7 @@ export function firstProject(): Project {
     id: crypto.randomUUID(),
     name: 'untitled',
     files: [{ name: 'piece', text: PIECE }],
-    orchestra: '',
+    orchestra: usualOrchestra,
     orchestraAsleep: false,
   };
 }
@@ -64,7 +65,7 @@ export function firstState(project: Project): State {
     },
     chosen: new Uint32Array(),
     window: { from: 0, to: 0, low: 0, high: 0 },
-    lanes: [],
+    lanes: [{ what: 5, how: 'points' }],
     pitchField: undefined,
     sound: {
       transport: 'stopped',
@@ -73,6 +74,8 @@ export function firstState(project: Project): State {
       progress: 0,
       lines: [],
       trouble: '',
+      older: false,
+      volume: 0.8,
     },
     layout: {
       theme: 'system',

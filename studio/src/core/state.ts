@@ -62,6 +62,7 @@ export interface Sound {
   readonly transport: Transport;
   /** Where the play head stood when it last stood still; while it plays, ask the player. */
   readonly position: Seconds;
+  /** Played again and again; `to` is Infinity where it goes on to the end of the piece, wherever that is. */
   readonly loop: Stretch | undefined;
   /** 0 to 1 while a file is rendered. */
   readonly progress: number;
@@ -69,6 +70,10 @@ export interface Sound {
   readonly lines: readonly string[];
   /** Why there is no sound, in words; empty: there is. */
   readonly trouble: string;
+  /** What plays is not the newest score. */
+  readonly older: boolean;
+  /** 0 to 1, as the slider stands. */
+  readonly volume: number;
 }
 
 export type Theme = 'system' | 'light' | 'dark';

@@ -3,7 +3,7 @@
 // that neither overwrites the other.
 import type { Project, State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
-import type { Storage } from './storage.ts';
+import { openStorage, type Storage } from './storage.ts';
 
 const LAST = 'korvo-studio-last';
 
@@ -30,6 +30,19 @@ export async function lastProject(storage: Storage): Promise<Project | undefined
   if (!kept) return undefined;
   const { changed: _, ...project } = kept;
   return project;
+}
+
+/** The storage of this browser and the piece that was last worked on; neither where the browser keeps nothing. */
+export async function openKept(): Promise<{
+  readonly storage: Storage | undefined;
+  readonly project: Project | undefined;
+}> {
+  try {
+    const storage = await openStorage();
+    return { storage, project: await lastProject(storage) };
+  } catch {
+    return { storage: undefined, project: undefined };
+  }
 }
 
 /** Whether this tab is the one that has the piece. The claim ends with the tab. */

@@ -40,19 +40,28 @@ export function exportsOf(store: Store<State>, parts: ExportParts): Export[] {
 
   return [
     {
+      id: 'takeScore',
       title: 'Score',
       detail: '.sco, as Csound reads it',
       run: () => give('sco', 'text/plain', store.get().made.output),
       hindrance,
     },
-    { title: 'MIDI file', detail: '.mid, of the first block', run: () => void midi(), hindrance },
     {
+      id: 'takeMidi',
+      title: 'MIDI file',
+      detail: '.mid, of the first block',
+      run: () => void midi(),
+      hindrance,
+    },
+    {
+      id: 'takeCsd',
       title: 'Csound file',
       detail: '.csd, orchestra and score',
       run: () => give('csd', 'text/plain', strToU8(parts.csd(store.get()))),
       hindrance,
     },
     {
+      id: 'takeWav',
       title: 'Sound',
       detail: '.wav, rendered now',
       run: async () => {
@@ -62,12 +71,14 @@ export function exportsOf(store: Store<State>, parts: ExportParts): Export[] {
       hindrance,
     },
     {
+      id: 'takeSvg',
       title: 'Picture',
       detail: '.svg',
       run: () => give('svg', 'image/svg+xml', strToU8(parts.svg(store.get()))),
       hindrance,
     },
     {
+      id: 'takePng',
       title: 'Picture',
       detail: '.png',
       run: async () => give('png', 'image/png', await parts.png(store.get())),

@@ -3,29 +3,27 @@ import { el } from '../core/dom.ts';
 import type { State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 import type { Example } from '../keep/examples.ts';
-import type { Score } from '../model/score.ts';
-import { scoreOf } from '../model/score.ts';
+import { type Score, scoreOf } from '../model/score.ts';
 import { runOnce } from '../run/once.ts';
 import { runWorker } from '../run/spawn.ts';
 
-export interface GalleryParts {
-  /** An SVG of a score, as text; it is shown as an image, which runs no script. */
-  readonly picture: (score: Score, size: { width: number; height: number }) => string;
-}
+/** An SVG of a score, as text. */
+export type Picture = (score: Score, size: { width: number; height: number }) => string;
 
 const SIZE = { width: 240, height: 96 };
 
-async function draw(example: Example, image: HTMLImageElement, parts: GalleryParts): Promise<void> {
+/** The picture is shown as an image, which runs no script. */
+async function draw(example: Example, image: HTMLImageElement, picture: Picture): Promise<void> {
   const result = await runOnce({ files: example.files, options: {} }, runWorker);
   if ('why' in result || !result.ok) return;
-  const svg = parts.picture(scoreOf(result.blocks), SIZE);
+  const svg = picture(scoreOf(result.blocks), SIZE);
   const address = URL.createObjectURL(new Blob([svg], { type: 'image/svg+xml' }));
   image.onload = () => URL.revokeObjectURL(address);
   image.src = address;
 }
 
 /** Opens the gallery over the page. */
-export async function openGallery(store: Store<State>, parts: GalleryParts): Promise<void> {
+export async function openGallery(store: Store<State>, picture: Picture): Promise<void> {
   const { loadExamples } = await import('../keep/examples.ts');
   const examples = loadExamples();
   const close = el('button', { type: 'button', title: 'Close the gallery (Escape)' }, 'Close');
@@ -74,6 +72,6 @@ export async function openGallery(store: Store<State>, parts: GalleryParts): Pro
   dialog.showModal();
   for (const [example, image] of waiting) {
     if (!dialog.open) return;
-    await draw(example, image, parts);
+    await draw(example, image, picture);
   }
 }

@@ -1,14 +1,18 @@
 // The menu under the name of the piece: new, open, examples, the pieces kept in this browser, and everything that can
 // be taken away as a file.
+import type { Command, Commands } from '../core/commands.ts';
 import { el } from '../core/dom.ts';
 import { firstProject } from '../core/first.ts';
 import type { State } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
 import { askForFiles, savePiece } from '../keep/files.ts';
 import type { Storage } from '../keep/storage.ts';
+import { openGallery, type Picture } from './gallery.ts';
 
 /** A line of the menu that hands out a file. */
 export interface Export {
+  /** Of its command. */
+  readonly id: string;
   readonly title: string;
   readonly detail: string;
   readonly run: () => void;
@@ -16,13 +20,25 @@ export interface Export {
   readonly hindrance?: () => string;
 }
 
-export interface PieceMenuParts {
+export interface PieceParts {
+  /** Undefined where the browser keeps nothing. */
   readonly storage: Storage | undefined;
-  readonly openGallery: () => void;
   readonly exports: readonly Export[];
+  /** For the gallery. */
+  readonly picture: Picture;
+  /** Puts what was typed last into the store. */
+  readonly flush: () => void;
 }
 
 const day = new Intl.DateTimeFormat('en', { dateStyle: 'medium', timeStyle: 'short' });
+
+/** Title, command, what stands beside it. */
+const MENU = [
+  ['New', 'new', 'an empty piece'],
+  ['Open…', 'open', 'Ctrl+O'],
+  ['Examples…', 'examples', 'a gallery'],
+  ['Save', 'keep', 'Ctrl+S'],
+] as const;
 
 function line(title: string, detail: string, run: () => void): HTMLButtonElement {
   const button = el(
@@ -40,7 +56,31 @@ export function newPiece(store: Store<State>): void {
   store.update({ project, tab: 0, cursor: 0 });
 }
 
-export function pieceMenu(store: Store<State>, parts: PieceMenuParts): HTMLElement {
+/** What can be done with the piece as a whole; the menu's lines run them, too. */
+export function pieceCommands({ exports, flush, picture }: PieceParts): Command[] {
+  return [
+    { id: 'new', title: 'New piece', run: newPiece },
+    { id: 'open', title: 'Open files of this machine', keys: 'Ctrl+O', run: askForFiles },
+    { id: 'examples', title: 'Examples', run: (all) => void openGallery(all, picture) },
+    {
+      id: 'keep',
+      title: 'Save the piece as a file',
+      keys: 'Ctrl+S',
+      run: (all) => {
+        flush();
+        savePiece(all);
+      },
+    },
+    ...exports.map(({ id, title, detail, run, hindrance }) => ({
+      id,
+      title: `Take away: ${title} (${detail})`,
+      run,
+      enabled: () => (hindrance?.() ?? '') === '',
+    })),
+  ];
+}
+
+export function pieceMenu(store: Store<State>, commands: Commands, parts: PieceParts): HTMLElement {
   const name = el('span', { class: 'piece-name' });
   const button = el(
     'button',
@@ -82,21 +122,12 @@ export function pieceMenu(store: Store<State>, parts: PieceMenuParts): HTMLEleme
       el(
         'div',
         { class: 'menu-group' },
-        line(
-          'New',
-          'an empty piece',
-          act(() => newPiece(store)),
-        ),
-        line(
-          'Open…',
-          'files of this machine',
-          act(() => askForFiles(store)),
-        ),
-        line('Examples…', 'a gallery', act(parts.openGallery)),
-        line(
-          'Save',
-          'Ctrl+S',
-          act(() => savePiece(store)),
+        ...MENU.map(([title, id, detail]) =>
+          line(
+            title,
+            detail,
+            act(() => commands.run(id)),
+          ),
         ),
       ),
       exportGroup(parts.exports, act),
