@@ -285,7 +285,12 @@ export function createPlayer(store: Store<State>, parts: PlayerParts): Player {
       change({ transport: 'playing' });
     } else if (news.kind === 'gap') {
       mine.heard = { ...mine.heard, gaps: mine.heard.gaps + news.length };
-      addLines([`WARNING: Csound was late by ${Math.round(news.length * 1000)} ms; the orchestra asks for more than this machine has time for.`], 0);
+      addLines(
+        [
+          `WARNING: Csound was late by ${Math.round(news.length * 1000)} ms; the orchestra asks for more than this machine has time for.`,
+        ],
+        0,
+      );
     } else if (news.kind === 'ended') end();
     else if (news.peak > 1.001) tellLoud();
   }
