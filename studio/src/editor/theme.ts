@@ -54,6 +54,16 @@ export const theme = EditorView.theme({
     backgroundColor: 'color-mix(in srgb, var(--warning) 55%, transparent)',
   },
 
+  // On a narrow page long lines go on below.
+  '@media (max-width: 999px)': {
+    '.cm-content': {
+      flexShrink: '1',
+      minWidth: '0',
+      whiteSpace: 'break-spaces',
+      overflowWrap: 'anywhere',
+    },
+  },
+
   '.t-name': { color: 'var(--c-name)' },
   '.t-head': { color: 'var(--c-name)', fontWeight: '600' },
   '.t-number': { color: 'var(--c-number)' },

@@ -406,6 +406,8 @@ test('a narrow page shows one pane at a time', async () => {
   expect(await page.locator('.text-pane').isVisible()).toBe(false);
   expect(await page.locator('.score-pane').isVisible()).toBe(true);
   expect(await tabs.nth(1).getAttribute('aria-current')).toBe('page');
+  // The bar takes two lines: the piece and its seed, and the transport.
+  expect((await page.locator('.bar').boundingBox())?.height).toBeLessThan(120);
   // The page itself does not scroll sideways, and the tabs are within reach of a thumb.
   expect(await page.evaluate(() => document.documentElement.scrollWidth)).toBe(390);
   const box = await tabs.nth(0).boundingBox();
