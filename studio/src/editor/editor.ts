@@ -181,6 +181,8 @@ export function createEditor(
         : { ...documents, files: documents.files.with(tab, document) };
   }
 
+  element.setAttribute('role', 'tabpanel');
+  element.setAttribute('aria-label', 'Editor');
   const root = element.attachShadow({ mode: 'open' });
   const view = new EditorView({
     state: of(0).state,

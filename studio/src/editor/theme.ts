@@ -54,8 +54,9 @@ export const theme = EditorView.theme({
     backgroundColor: 'color-mix(in srgb, var(--warning) 55%, transparent)',
   },
 
-  // On a narrow page long lines go on below.
+  // On a narrow page long lines go on below, and beside a list there is no room.
   '@media (max-width: 999px)': {
+    '.cm-tooltip.cm-completionInfo': { display: 'none' },
     '.cm-content': {
       flexShrink: '1',
       minWidth: '0',
