@@ -108,6 +108,7 @@ function common(label: string): Extension {
     indentUnit.of('  '),
     EditorView.contentAttributes.of({
       'aria-label': label,
+      tabindex: '0',
       autocorrect: 'off',
       autocapitalize: 'off',
       spellcheck: 'false',
