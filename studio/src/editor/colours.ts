@@ -135,12 +135,13 @@ function follow<S>(states: LineStates<S>, changes: ChangeSet, before: Text, afte
   for (const [first, removed, added] of edits.reverse()) states.edit(first, removed, added);
 }
 
-function colourPlugin<S>(colouring: Colouring<S>): Extension {
+/** `start`: the state before the first line, asked for when a text comes into view. */
+function colourPlugin<S>(colouring: Colouring<S>, start: () => S): Extension {
   const plugin = ViewPlugin.define(
     (view) => {
       let { doc } = view.state;
       let timer: ReturnType<typeof setTimeout> | undefined;
-      const states = lineStates(colouring, (line) => doc.line(line).text);
+      const states = lineStates({ ...colouring, start: start() }, (line) => doc.line(line).text);
 
       // A pause between the keys; what has been read is drawn once all that is to be seen has been.
       function later(): void {
@@ -193,5 +194,8 @@ function colourPlugin<S>(colouring: Colouring<S>): Extension {
   return plugin;
 }
 
-export const korvoColours: Extension = colourPlugin(korvo);
-export const csoundColours: Extension = colourPlugin(csound);
+export function korvoColours(start: () => ReturnType<typeof startState>): Extension {
+  return colourPlugin(korvo, start);
+}
+
+export const csoundColours: Extension = colourPlugin(csound, () => csound.start);

@@ -52,6 +52,7 @@ import {
   type Range,
 } from './documents.ts';
 import { foldAt, indentBehind } from './fold.ts';
+import { stateBehind, textBefore } from './included.ts';
 import { diagnosticsIn, type Mark, marksOf, switchedOffIn } from './marks.ts';
 import { setSwitchedOff, switchedOff } from './switched_off.ts';
 import { matchNames, replacement } from './texts.ts';
@@ -107,6 +108,7 @@ function common(label: string): Extension {
     indentUnit.of('  '),
     EditorView.contentAttributes.of({
       'aria-label': label,
+      tabindex: '0',
       autocorrect: 'off',
       autocapitalize: 'off',
       spellcheck: 'false',
@@ -124,11 +126,11 @@ function common(label: string): Extension {
   ];
 }
 
-/** `help`: completion and what hovering shows, for a piece with these includes. */
+/** `help`: completion and what hovering shows, for a piece with these includes, in a text behind what is `before` it. */
 export function createEditor(
   store: Store<State>,
   element: HTMLElement,
-  help: (files: () => Files) => Extension,
+  help: (files: () => Files, before: () => string) => Extension,
 ): Editor {
   const includes = (): Files =>
     Object.fromEntries(
@@ -138,13 +140,15 @@ export function createEditor(
         .map(({ name, text }) => [name, text]),
     );
 
+  const before = (): string =>
+    shown === 'orchestra' ? '' : textBefore(store.get().project.files, shown);
   const korvo: Extension = [
     common('Text of the piece'),
-    korvoColours,
+    korvoColours(() => stateBehind(before())),
     foldService.of((state, from) => foldAt(state, from)),
     indentService.of(({ state }, at) => indentBehind(state.doc.lineAt(Math.max(0, at - 1)).text)),
     switchedOff,
-    help(includes),
+    help(includes, before),
   ];
   const csound: Extension = [common('Orchestra'), csoundColours, autocompletion({ override: [] })];
 
@@ -178,6 +182,8 @@ export function createEditor(
         : { ...documents, files: documents.files.with(tab, document) };
   }
 
+  element.setAttribute('role', 'tabpanel');
+  element.setAttribute('aria-label', 'Editor');
   const root = element.attachShadow({ mode: 'open' });
   const view = new EditorView({
     state: of(0).state,

@@ -24,14 +24,16 @@ function begun(context: CompletionContext): boolean {
   return context.explicit || context.matchBefore(/[A-Za-z#~$|(@][\w|.#]*/) !== null;
 }
 
-/** `files`: the includes of the piece, by their names. */
-function completeFrom(files: () => Files) {
+/** `files`: the includes of the piece, by their names; `before`: what is read before the text. */
+function completeFrom(files: () => Files, before: () => string) {
   return (context: CompletionContext): CompletionResult | null => {
     if (context.state.doc.length > LONGEST || !begun(context)) return null;
-    const { from, items } = complete(context.state.doc.toString(), context.pos, files());
+    const ahead = before();
+    const text = ahead + context.state.doc.toString();
+    const { from, items } = complete(text, ahead.length + context.pos, files());
     if (items.length === 0) return null;
     return {
-      from,
+      from: from - ahead.length,
       options: items.map(({ label, insert, help, detail }) => ({
         label,
         apply: insert,
@@ -43,15 +45,16 @@ function completeFrom(files: () => Files) {
   };
 }
 
-function hoverFrom(files: () => Files) {
+function hoverFrom(files: () => Files, before: () => string) {
   return hoverTooltip(({ state }, at): Tooltip | null => {
     if (state.doc.length > LONGEST) return null;
-    const found = hover(state.doc.toString(), at, files());
+    const ahead = before();
+    const found = hover(ahead + state.doc.toString(), ahead.length + at, files());
     if (!found) return null;
     const { from, to, title, help } = found;
     return {
-      pos: from,
-      end: to,
+      pos: from - ahead.length,
+      end: to - ahead.length,
       create: () => ({
         dom: el(
           'div',
@@ -64,9 +67,13 @@ function hoverFrom(files: () => Files) {
   });
 }
 
-export function korvoHelp(files: () => Files): Extension {
+export function korvoHelp(files: () => Files, before: () => string): Extension {
   return [
-    autocompletion({ override: [completeFrom(files)], icons: false, activateOnTyping: true }),
-    hoverFrom(files),
+    autocompletion({
+      override: [completeFrom(files, before)],
+      icons: false,
+      activateOnTyping: true,
+    }),
+    hoverFrom(files, before),
   ];
 }

@@ -4,6 +4,7 @@ import type { Diagnostic } from '@codemirror/lint';
 import type { Text } from '@codemirror/state';
 import type { DroppedLines, Message, Severity } from 'korvo';
 import type { TextFile } from '../core/state.ts';
+import { linesOf } from '../model/messages.ts';
 import { type Range, rangeIn } from './documents.ts';
 
 /** More than a thousand underlined places help nobody and hold up typing. */
@@ -32,9 +33,9 @@ export function marksOf(made: {
   readonly messages: readonly Message[];
   readonly dropped: readonly DroppedLines[];
 }): FileMarks[] {
-  const placed = made.messages
-    .map((message, index) => ({ message, index }))
-    .filter(({ message: { place, severity } }) => place !== undefined && severity !== 'note')
+  const placed = linesOf(made.messages)
+    .map(({ index }) => ({ message: made.messages[index] as Message, index }))
+    .filter(({ message }) => message.place !== undefined)
     .slice(0, MOST_MARKS);
   return made.files.map(({ name }) => ({
     marks: placed.filter(({ message }) => message.place?.file === name),

@@ -54,6 +54,17 @@ export const theme = EditorView.theme({
     backgroundColor: 'color-mix(in srgb, var(--warning) 55%, transparent)',
   },
 
+  // On a narrow page long lines go on below, and beside a list there is no room.
+  '@media (max-width: 999px)': {
+    '.cm-tooltip.cm-completionInfo': { display: 'none' },
+    '.cm-content': {
+      flexShrink: '1',
+      minWidth: '0',
+      whiteSpace: 'break-spaces',
+      overflowWrap: 'anywhere',
+    },
+  },
+
   '.t-name': { color: 'var(--c-name)' },
   '.t-head': { color: 'var(--c-name)', fontWeight: '600' },
   '.t-number': { color: 'var(--c-number)' },
@@ -145,10 +156,20 @@ export const theme = EditorView.theme({
   '.cm-panels.cm-panels-top': { borderBottom: '1px solid var(--line)' },
   '.cm-panels.cm-panels-bottom': { borderTop: '1px solid var(--line)' },
   '.cm-panel.cm-search': { padding: '8px 32px 8px 12px', fontFamily: 'var(--text-font)' },
-  '.cm-panel.cm-search label': { fontSize: '12px', color: 'var(--dim)' },
+  '.cm-panel.cm-search label': {
+    display: 'inline-flex',
+    alignItems: 'center',
+    gap: '4px',
+    margin: '0 4px',
+    fontSize: '12px',
+    color: 'var(--dim)',
+  },
+  '.cm-panel.cm-search input, .cm-panel.cm-search button': { margin: '2px 4px 2px 0' },
+  '.cm-panel.cm-search input[type=checkbox]': { margin: '0' },
   '.cm-panel.cm-search [name=close]': { top: '8px', right: '8px', color: 'var(--dim)' },
   '.cm-textfield': {
     minHeight: '28px',
+    padding: '0 8px',
     backgroundColor: 'var(--surface)',
     color: 'var(--text)',
     border: '1px solid var(--mark)',
@@ -157,6 +178,7 @@ export const theme = EditorView.theme({
   },
   '.cm-button': {
     minHeight: '28px',
+    padding: '0 8px',
     backgroundImage: 'none',
     backgroundColor: 'var(--surface)',
     color: 'var(--text)',

@@ -17,13 +17,14 @@ export function layoutFrom(kept: string | null, plain: Layout): Layout {
   } catch {
     fields = {};
   }
-  const { theme, pane, detail, split, messagesOpen } = fields;
+  const { theme, pane, detail, split, unfolded, messagesOpen } = fields;
   return {
     ...plain,
     ...(THEMES.includes(theme as string) ? { theme: theme as Layout['theme'] } : {}),
     ...(PANES.includes(pane as string) ? { pane: pane as Layout['pane'] } : {}),
     ...(DETAILS.includes(detail as string) ? { detail: detail as Layout['detail'] } : {}),
     ...(typeof split === 'number' && split >= 0 && split <= 1 ? { split } : {}),
+    ...(typeof unfolded === 'number' && unfolded > 0 && unfolded < 1 ? { unfolded } : {}),
     ...(typeof messagesOpen === 'boolean' ? { messagesOpen } : {}),
   };
 }

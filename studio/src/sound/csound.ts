@@ -1,7 +1,7 @@
 // One Csound: its module put to work in a memory of its own. An orchestra and a score go in as the text of a .csd, and
 // sound comes out, a control period at a time. It runs as well in a worker as in Node; whatever it does wrong ends
 // with its memory.
-import { wasiImports } from './wasi.ts';
+import { Exit, wasiImports } from './wasi.ts';
 
 const PAGE = 65_536;
 const MEGABYTE = 1_048_576;
@@ -88,6 +88,15 @@ export function lines(say: (line: string) => void): (piece: string) => void {
   };
 }
 
+/** Why Csound broke down, in words; `bytes`: of the memory that it had by then. */
+function breakdown(error: unknown, bytes: number): unknown {
+  if (error instanceof RangeError) return new Exit('The orchestra calls itself without end.');
+  if (!(error instanceof WebAssembly.RuntimeError)) return error;
+  if (bytes > MEMORY_LIMIT / 2)
+    return new Exit(`The orchestra asks for more than ${MEMORY_LIMIT / MEGABYTE} MB of memory.`);
+  return new Exit(`The orchestra has made Csound break down (${error.message}).`);
+}
+
 export async function createCsound(
   module: WebAssembly.Module,
   say: (line: string) => void,
@@ -137,14 +146,23 @@ export async function createCsound(
     return result;
   }
 
+  function guarded<Result>(act: () => Result): Result {
+    try {
+      return act();
+    } catch (error) {
+      throw breakdown(error, memory.buffer.byteLength);
+    }
+  }
+
   let form: Format = { sampleRate: 44_100, channels: 2, ksmps: 32, fullScale: 1 };
   return {
     start(csd) {
       // No sound device, and no line for each note.
       for (const option of ['-n', '-d', '-m6'])
         withText(option, (at) => exports.csoundSetOption(csound, at));
-      if (withText(csd, (at) => exports.csoundCompileCsdText(csound, at)) !== 0) return false;
-      if (exports.csoundStart(csound) !== 0) return false;
+      const compile = (at: number) => exports.csoundCompileCsdText(csound, at);
+      if (guarded(() => withText(csd, compile)) !== 0) return false;
+      if (guarded(() => exports.csoundStart(csound)) !== 0) return false;
       form = {
         sampleRate: exports.csoundGetSr(csound),
         channels: exports.csoundGetNchnls(csound),
@@ -154,7 +172,7 @@ export async function createCsound(
       return true;
     },
     format: () => form,
-    perform: () => exports.csoundPerformKsmps(csound) === 0,
+    perform: () => guarded(() => exports.csoundPerformKsmps(csound)) === 0,
     period: () =>
       new Float64Array(memory.buffer, exports.csoundGetSpout(csound), form.ksmps * form.channels),
     event: (line) => withText(line, (at) => exports.csoundInputMessage(csound, at)),

@@ -62,6 +62,7 @@ const MOST_LINES = 500;
 const RENDERING = 'korvo-rendering';
 const ENDLESS =
   'Csound gave no sign of life for 8 s and was ended: the orchestra may have an endless loop.';
+const TOO_LOUD = 'WARNING: the sound is louder than full scale and is cut off there.';
 const NO_DEVICE =
   'There is no sound: this machine has no sound device that the page may use. The piece can still be rendered to a file.';
 
@@ -114,6 +115,16 @@ function chosenStretch({ made, chosen }: State): Stretch | undefined {
   return to > from ? { from, to } : undefined;
 }
 
+/** What a device has to say while one can wait for it. */
+async function inTime(answer: Promise<void>): Promise<void> {
+  let timer: ReturnType<typeof setTimeout> | undefined;
+  const tooLate = new Promise<void>((done) => {
+    timer = setTimeout(done, DEVICE_MS);
+  });
+  await Promise.race([answer, tooLate]);
+  clearTimeout(timer);
+}
+
 export function createPlayer(store: Store<State>, parts: PlayerParts): Player {
   let module: ModuleSource = parts.csound;
   let context: AudioContext | undefined;
@@ -155,8 +166,7 @@ export function createPlayer(store: Store<State>, parts: PlayerParts): Player {
     }
     const opened = context;
     setVolume();
-    const tooLate = new Promise((_, reject) => setTimeout(reject, DEVICE_MS, new Error(NO_DEVICE)));
-    if (opened.state !== 'running') await Promise.race([opened.resume(), tooLate]);
+    if (opened.state !== 'running') await inTime(opened.resume());
     if (opened.state !== 'running') throw new Error(NO_DEVICE);
     return opened;
   }
@@ -275,15 +285,18 @@ export function createPlayer(store: Store<State>, parts: PlayerParts): Player {
       change({ transport: 'playing' });
     } else if (news.kind === 'gap') {
       mine.heard = { ...mine.heard, gaps: mine.heard.gaps + news.length };
-      addLines([`Csound was late by ${Math.round(news.length * 1000)} ms.`], 0);
+      addLines(
+        [
+          `WARNING: Csound was late by ${Math.round(news.length * 1000)} ms; the orchestra asks for more than this machine has time for.`,
+        ],
+        0,
+      );
     } else if (news.kind === 'ended') end();
-    else if (news.peak > 1.001) tellPeak(news.peak);
+    else if (news.peak > 1.001) tellLoud();
   }
 
-  function tellPeak(peak: number): void {
-    const line = 'The sound is louder than full scale and is cut off there.';
-    if (!store.get().sound.lines.includes(line)) addLines([line], 0);
-    void peak;
+  function tellLoud(): void {
+    if (!store.get().sound.lines.includes(TOO_LOUD)) addLines([TOO_LOUD], 0);
   }
 
   // ---- Endless orchestras

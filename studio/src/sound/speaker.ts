@@ -1,4 +1,4 @@
-// On the thread of the sound: puts out what Csound has made, and tells when. Where Csound is late it puts out silence
+// On the thread of the sound: puts out what Csound has made, never above full scale, and tells when. Where Csound is late it puts out silence
 // and waits until there is enough again.
 import type { Sound, SpeakerNews, ToSpeaker } from './protocol.ts';
 
@@ -70,10 +70,10 @@ class Speaker extends AudioWorkletProcessor {
       if (!sound) break;
       const count = Math.min(left.length - filled, sound.left.length - this.#at);
       for (let i = 0; i < count; ++i) {
-        const l = sound.left[this.#at + i] ?? 0;
-        const r = sound.right[this.#at + i] ?? 0;
-        left[filled + i] = l;
-        right[filled + i] = r;
+        const l = sound.left[this.#at + i] || 0;
+        const r = sound.right[this.#at + i] || 0;
+        left[filled + i] = Math.max(-1, Math.min(1, l));
+        right[filled + i] = Math.max(-1, Math.min(1, r));
         this.#peak = Math.max(this.#peak, Math.abs(l), Math.abs(r));
       }
       filled += count;

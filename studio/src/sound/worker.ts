@@ -1,8 +1,7 @@
 // The worker that runs Csound, for one performance: then it is ended, whether the orchestra has come to an end or not.
 
-import { OrchestraError, type Player, play, render, type Tell } from './perform.ts';
+import { type Player, play, render, type Tell } from './perform.ts';
 import type { FromSpeaker, FromWorker, ModuleSource, Sound, ToWorker } from './protocol.ts';
-import { Exit } from './wasi.ts';
 
 /** Frames that are made ahead of what is heard. */
 const AHEAD = 8192;
@@ -75,17 +74,9 @@ function feed(): void {
   }
 }
 
-function why(error: unknown): string {
-  if (error instanceof OrchestraError || error instanceof Exit) return error.message;
-  if (error instanceof RangeError) return 'The orchestra calls itself without end.';
-  if (error instanceof WebAssembly.RuntimeError)
-    return `Csound broke down: the orchestra may ask for more memory than there is (${error.message}).`;
-  return String(error instanceof Error ? error.message : error);
-}
-
 function fail(error: unknown): void {
   tellLines();
-  tell({ kind: 'failed', why: why(error) });
+  tell({ kind: 'failed', why: error instanceof Error ? error.message : String(error) });
 }
 
 async function hear(message: ToWorker): Promise<void> {

@@ -101,7 +101,7 @@ function seedView(store: Store<State>, commands: Commands, element: HTMLElement)
       return;
     }
     const { line } = placeForSeed(store.get().project.files[0]?.text ?? '');
-    add.textContent = `rs(1) in line ${line}`;
+    add.textContent = `put rs(1) in line ${line}`;
     add.title = `The piece sets no seed: put rs(1) on a line of its own, as line ${line}`;
   }
 
@@ -112,7 +112,7 @@ function seedView(store: Store<State>, commands: Commands, element: HTMLElement)
     (state) => state.project.files,
     (files) => {
       clearTimeout(timer);
-      timer = setTimeout(() => show(seedOf(files)), 60);
+      timer = setTimeout(() => show(seedOf(files)), 150);
     },
   );
 }

@@ -8,9 +8,13 @@ import type { Store } from '../core/store.ts';
 import { rangeIn } from '../editor/documents.ts';
 import type { Editor } from '../editor/editor.ts';
 import { markdown } from '../editor/markdown.ts';
+import { type Line, linesOf } from '../model/messages.ts';
 
 /** How many messages are shown; a piece can bring as many as it has lines. */
 export const MOST_SHOWN = 1000;
+
+/** Rows are made as they are scrolled to: a key must not wait for a thousand of them. */
+const PAGE = 50;
 
 const WORDS: readonly (readonly [Severity, string, string])[] = [
   ['error', 'error', 'errors'],
@@ -23,11 +27,6 @@ export function counts(messages: readonly Message[]): { severity: Severity; text
     const count = messages.filter((message) => message.severity === severity).length;
     return count === 0 ? [] : [{ severity, text: `${count} ${count === 1 ? one : many}` }];
   });
-}
-
-/** What is worth a line of the list. Notes tell how a run went, not what is to be mended. */
-export function listed(messages: readonly Message[]): number[] {
-  return messages.flatMap(({ severity }, i) => (severity === 'note' ? [] : [i]));
 }
 
 /** The place in words: the line, and before it the file where it is not the piece. */
@@ -61,8 +60,9 @@ export function messagesView(
   const summary = el('button', { type: 'button', class: 'messages-head' });
   const list = el('ul', { class: 'message-list', 'aria-label': 'Messages' });
   element.append(summary, list);
-  let shown: number[] = [];
+  let shown: readonly Line[] = [];
   let at = -1;
+  let more = 0;
 
   summary.addEventListener('click', () =>
     store.update(({ layout }) => ({ layout: { ...layout, messagesOpen: !layout.messagesOpen } })),
@@ -71,7 +71,8 @@ export function messagesView(
   function goTo(index: number): void {
     const { made, project } = store.get();
     const message = made.messages[index];
-    at = shown.indexOf(index);
+    at = shown.findIndex((line) => line.index === index);
+    if (store.get().layout.messagesOpen) drawRows(at + PAGE);
     for (const [i, item] of [...list.children].entries())
       item.classList.toggle('current', i === at);
     list.children[at]?.scrollIntoView({ block: 'nearest' });
@@ -86,7 +87,7 @@ export function messagesView(
     if (tab >= 0) editor.showPlace(tab, (doc) => rangeIn(doc, message.place ?? NOWHERE));
   }
 
-  function item(index: number): HTMLElement {
+  function item({ index, times }: Line): HTMLElement {
     const { made } = store.get();
     const message = made.messages[index] as Message;
     const { severity, text } = message;
@@ -95,7 +96,12 @@ export function messagesView(
       { type: 'button', class: 'message', disabled: message.place === undefined },
       el('span', { class: `message-mark ${severity}`, 'aria-hidden': 'true' }, MARKS[severity]),
       el('span', { class: 'message-severity' }, severity),
-      el('span', { class: 'message-text' }, text),
+      el(
+        'span',
+        { class: 'message-text' },
+        text,
+        times > 1 && el('span', { class: 'dim' }, ` × ${times}`),
+      ),
       el('span', { class: 'message-place' }, placeText(message, made)),
     );
     lead.addEventListener('click', () => goTo(index));
@@ -129,13 +135,26 @@ export function messagesView(
     return entry;
   }
 
+  /** Rows up to `count`, and behind the last of all what is not shown. */
+  function drawRows(count: number): void {
+    const drawn = list.children.length;
+    if (drawn >= shown.length) return;
+    list.append(...shown.slice(drawn, count).map(item));
+    if (count >= shown.length && more > 0)
+      list.append(el('li', { class: 'dim' }, `and ${more.toLocaleString('en')} more`));
+  }
+
+  list.addEventListener('scroll', () => {
+    const left = list.scrollHeight - list.scrollTop - list.clientHeight;
+    if (left < 2 * list.clientHeight) drawRows(list.children.length + PAGE);
+  });
+
   function draw(): void {
     const { made, layout } = store.get();
-    const all = listed(made.messages);
+    const all = linesOf(made.messages);
     shown = all.slice(0, MOST_SHOWN);
     at = -1;
-    const more = all.length - shown.length;
-    const kinds = counts(all.map((index) => made.messages[index] as Message));
+    const kinds = counts(made.messages);
     element.classList.toggle('none', all.length === 0);
     summary.replaceChildren(
       ...kinds.map(({ severity, text }) =>
@@ -155,23 +174,22 @@ export function messagesView(
     summary.title = layout.messagesOpen ? 'Fold the messages away' : 'Show the messages';
     summary.setAttribute('aria-expanded', String(layout.messagesOpen));
     list.hidden = !layout.messagesOpen;
-    list.replaceChildren(
-      ...(layout.messagesOpen ? shown.map(item) : []),
-      ...(layout.messagesOpen && more > 0
-        ? [el('li', { class: 'dim' }, `and ${more.toLocaleString('en')} more`)]
-        : []),
-    );
+    more = all.length - shown.length;
+    list.replaceChildren();
+    list.scrollTop = 0;
+    if (layout.messagesOpen) drawRows(PAGE);
   }
 
   store.watch((state) => state.made.messages, draw);
   store.watch((state) => state.layout.messagesOpen, draw);
 
   function step(by: number): void {
-    const withPlace = shown.filter((index) => store.get().made.messages[index]?.place);
-    if (withPlace.length === 0) return;
-    const now = withPlace.indexOf(shown[at] ?? -1);
-    const next = now < 0 ? (by > 0 ? 0 : withPlace.length - 1) : now + by;
-    goTo(withPlace[(next + withPlace.length) % withPlace.length] ?? 0);
+    const placed = shown.filter(({ index }) => store.get().made.messages[index]?.place);
+    const current = shown[at];
+    const now = current ? placed.indexOf(current) : -1;
+    const next = now < 0 && by < 0 ? placed.length - 1 : now + by;
+    const line = placed[(next + placed.length) % placed.length];
+    if (line) goTo(line.index);
   }
 
   const some = ({ made }: State) => made.messages.some(({ place }) => place !== undefined);

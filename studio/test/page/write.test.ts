@@ -136,6 +136,19 @@ test('constants of the piece and of its includes are offered', async () => {
   expect(labels).toContain('bars');
 });
 
+test('an include is coloured and completed as what it is where it stands', async () => {
+  const { page } = await open(
+    ['piece', 'i1 = 4 0 -4 {\n#include |tune|\n}\n'],
+    ['tune', '  p2 1\n  p3 .9\n  '],
+  );
+  await page.click('.tabs [role=tab] >> text=tune');
+  expect(await page.locator('.editor .t-head').first().textContent()).toBe('p2');
+  await page.click(content);
+  await page.keyboard.press('Control+End');
+  await page.keyboard.type('p4 R');
+  await page.locator('.editor .cm-tooltip-autocomplete li', { hasText: /^RA/ }).waitFor();
+});
+
 test('hovering tells what an item is', async () => {
   const { page, faults } = await open(['piece', `te(60)\n${BLOCK}`]);
   await page.locator('.editor .t-name', { hasText: 'te' }).hover();
@@ -154,12 +167,12 @@ test('an error is underlined in the file it belongs to, and a click leads there'
   expect(await underlined(page)).toEqual([]);
   expect(await page.textContent('.messages-head')).toContain('1 error');
   expect(await page.textContent('.message-place')).toBe('tune line 2');
-  expect(await page.locator('[role=tab]', { hasText: 'tune' }).getAttribute('aria-label')).toBe(
-    'tune: error',
-  );
-  expect(await page.locator('[role=tab]', { hasText: 'piece' }).getAttribute('aria-label')).toBe(
-    null,
-  );
+  expect(
+    await page.locator('.tabs [role=tab]', { hasText: 'tune' }).getAttribute('aria-label'),
+  ).toBe('tune: error');
+  expect(
+    await page.locator('.tabs [role=tab]', { hasText: 'piece' }).getAttribute('aria-label'),
+  ).toBe(null);
   await page.click('.message');
   const now = await state(page);
   expect(now.tab).toBe(1);
@@ -212,6 +225,9 @@ test('F8 goes from message to message', async () => {
 test('many messages are a list of a thousand and a number', async () => {
   const silenced = 'i-1 = 3 0 -4 {\n  p2 1\n  p3 .9\n}\n';
   const { page } = await open(['piece', `${silenced.repeat(1100)}${BLOCK}`]);
+  const last = page.locator('.message-list > li').last();
+  for (let rows = 0; rows < 1000; rows = await page.locator('.message-list .message').count())
+    await last.scrollIntoViewIfNeeded();
   await page.locator('.message-list > li.dim').waitFor();
   expect(await page.locator('.message-list .message').count()).toBe(1000);
   const all = (await state(page)).made.messages.filter(({ severity }) => severity !== 'note');
@@ -225,7 +241,7 @@ test('includes are added, renamed, closed and brought back, with their histories
   await page.click('.tabs [title="A new include"]');
   await page.keyboard.type('tune.txt');
   await page.keyboard.press('Enter');
-  const tab = page.locator('[role=tab]', { hasText: 'tune.txt' });
+  const tab = page.locator('.tabs [role=tab]', { hasText: 'tune.txt' });
   await tab.waitFor();
   expect((await state(page)).project.files.map(({ name }) => name)).toEqual(['piece', 'tune.txt']);
   await page.click(content);
@@ -248,7 +264,7 @@ test('includes are added, renamed, closed and brought back, with their histories
 
 test('a name that another file has is refused in words', async () => {
   const { page } = await open(['piece', BLOCK], ['a', ''], ['b', '']);
-  await page.locator('[role=tab]', { hasText: 'b' }).dblclick();
+  await page.locator('.tabs [role=tab]', { hasText: 'b' }).dblclick();
   await page.keyboard.type('a');
   await page.keyboard.press('Enter');
   expect(await page.textContent('.notice')).toContain('“a”');
@@ -258,7 +274,7 @@ test('a name that another file has is refused in words', async () => {
 
 test('arrows go from tab to tab', async () => {
   const { page } = await open(['piece', BLOCK], ['a', '']);
-  await page.locator('[role=tab]').first().focus();
+  await page.locator('.tabs [role=tab]').first().focus();
   await page.keyboard.press('ArrowRight');
   expect((await state(page)).tab).toBe(1);
   expect(await page.evaluate(() => document.activeElement?.textContent)).toContain('a');
@@ -278,6 +294,7 @@ test('each text has its own undo, whatever happened in between', async () => {
   await page.keyboard.press('Control+End');
   await type(page, ' two');
   // A new orchestra from elsewhere, and the piece again.
+  const { orchestra } = (await state(page)).project;
   await page.evaluate(() => {
     const { store } = window.korvoStudio as NonNullable<typeof window.korvoStudio>;
     store.update(({ project }) => ({ project: { ...project, orchestra: 'sr = 48000' } }));
@@ -295,7 +312,7 @@ test('each text has its own undo, whatever happened in between', async () => {
   expect(await page.textContent(content)).toBe('sr = 48000');
   await page.click(content);
   await page.keyboard.press('Control+z');
-  expect((await state(page)).project.orchestra).toBe('');
+  expect((await state(page)).project.orchestra).toBe(orchestra);
   expect(faults).toEqual([]);
 });
 
@@ -346,7 +363,7 @@ test('? shows the keys, but not while one types', async () => {
   await page.keyboard.type('?');
   expect(await textOf(page)).toBe(`${BLOCK}?`);
   expect(await page.locator('dialog').count()).toBe(0);
-  await page.locator('[role=tab]').first().focus();
+  await page.locator('.tabs [role=tab]').first().focus();
   await page.keyboard.press('?');
   await page.locator('dialog.keys-dialog').waitFor();
   expect(await page.textContent('dialog')).toContain('Next message');
@@ -390,6 +407,8 @@ test('a narrow page shows one pane at a time', async () => {
   expect(await page.locator('.text-pane').isVisible()).toBe(false);
   expect(await page.locator('.score-pane').isVisible()).toBe(true);
   expect(await tabs.nth(1).getAttribute('aria-current')).toBe('page');
+  // The bar takes two lines: the piece and its seed, and the transport.
+  expect((await page.locator('.bar').boundingBox())?.height).toBeLessThan(120);
   // The page itself does not scroll sideways, and the tabs are within reach of a thumb.
   expect(await page.evaluate(() => document.documentElement.scrollWidth)).toBe(390);
   const box = await tabs.nth(0).boundingBox();

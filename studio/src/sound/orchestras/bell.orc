@@ -14,7 +14,7 @@ gaRight init 0
 instr $INSTRUMENTS
   xtratim 0.3
   ihz    limit $HZ, 16, 6000
-  iamp   = 0.6 * $AMP
+  iamp   = 1.1 * $AMP
   ipan   limit $PAN, 0, 1
   idecay = limit(abs(p3) * 1.2, 0.4, 6)
   kfade  linsegr 0, 0.002, 1, 0.25, 0

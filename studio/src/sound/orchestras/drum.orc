@@ -14,7 +14,7 @@ gaRight init 0
 instr $INSTRUMENTS
   xtratim 0.15
   ihz    limit $HZ, 16, 8000
-  iamp   = 0.8 * $AMP
+  iamp   = 1.4 * $AMP
   ipan   limit $PAN, 0, 1
   ; The skin is tuned lower than the note, and rings longer the lower it is.
   iskin  = limit(ihz * 0.35, 40, 1500)

@@ -17,11 +17,11 @@ gicurve ftgen 0, 0, 8192, 20, 2, 1
 instr $INSTRUMENTS
   xtratim 0.3
   ihz    limit $HZ, 16, 8000
-  iamp   = 0.35 * $AMP
+  iamp   = 0.65 * $AMP
   ipan   limit $PAN, 0, 1
   kfade  linsegr 0, limit(abs(p3) * 0.2, 0.005, 0.08), 1, 0.25, 0
-  aleft  grain iamp, ihz, 30, 0, ihz * 0.012, 0.09, gisine, gicurve, 0.1
-  aright grain iamp, ihz * 1.001, 30, 0, ihz * 0.012, 0.09, gisine, gicurve, 0.1
+  aleft  grain iamp, ihz, 20, 0, ihz * 0.012, 0.09, gisine, gicurve, 0.1
+  aright grain iamp, ihz * 1.001, 20, 0, ihz * 0.012, 0.09, gisine, gicurve, 0.1
   gaLeft  += aleft * kfade * sqrt(1 - ipan)
   gaRight += aright * kfade * sqrt(ipan)
 endin

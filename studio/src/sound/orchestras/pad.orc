@@ -14,7 +14,7 @@ gaRight init 0
 instr $INSTRUMENTS
   xtratim 0.35
   ihz    limit $HZ, 16, 8000
-  iamp   = 0.35 * $AMP
+  iamp   = 0.7 * $AMP
   ipan   limit $PAN, 0, 1
   irise  = limit(abs(p3) * 0.3, 0.01, 0.25)
   kfade  linsegr 0, irise, 1, 0.3, 0

@@ -14,7 +14,7 @@ gaRight init 0
 instr $INSTRUMENTS
   xtratim 0.1
   ihz    limit $HZ, 16, 12000
-  iamp   = 0.7 * $AMP
+  iamp   = 1.7 * $AMP
   ipan   limit $PAN, 0, 1
   ; The loop of the string is a table of noise that gets duller as it goes round.
   astring pluck iamp, ihz, ihz, 0, 1

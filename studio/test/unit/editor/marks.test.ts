@@ -35,10 +35,15 @@ test('an empty place takes the character it stands at, or the one before it at t
   expect(rangesOf([message('piece', 2, 1, 1)], 0)).toEqual([{ from: 5, to: 5, index: 0 }]);
 });
 
+test('what is told again of a place is marked once', () => {
+  const again = message('piece', 1, 1, 2);
+  expect(rangesOf([again, again], 0)).toHaveLength(1);
+});
+
 test('notes are not marked, and no more than a thousand messages', () => {
   const note: Message = { ...message('piece', 1, 1, 2), severity: 'note' };
   expect(rangesOf([note], 0)).toEqual([]);
-  const many = new Array<Message>(MOST_MARKS + 5).fill(message('piece', 1, 1, 2));
+  const many = Array.from({ length: MOST_MARKS + 5 }, (_, i) => message('piece', 1, 1 + i, 2 + i));
   expect(rangesOf(many, 0)).toHaveLength(MOST_MARKS);
 });
 

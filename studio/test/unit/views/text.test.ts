@@ -1,8 +1,9 @@
 // What the text side says: counts, places, the worst of each file, what is filtered, how panes fold.
 import type { Message, Severity } from 'korvo';
 import { expect, test } from 'vitest';
+import { linesOf } from '../../../src/model/messages.ts';
 import { folded, settled, withSplit } from '../../../src/views/layout.ts';
-import { counts, listed, placeText } from '../../../src/views/messages.ts';
+import { counts, placeText } from '../../../src/views/messages.ts';
 import { matches } from '../../../src/views/palette.ts';
 import { worstIn } from '../../../src/views/tabs.ts';
 
@@ -11,7 +12,7 @@ function message(severity: Severity, file?: string): Message {
   return file ? { ...told, place: { file, line: 3, column: 1, endColumn: 2 } } : told;
 }
 
-test('messages are counted by kind, and notes are left out', () => {
+test('messages are counted by kind, notes are left out, and what is told again has one line', () => {
   const messages = [
     message('warning'),
     message('note', 'piece'),
@@ -19,7 +20,10 @@ test('messages are counted by kind, and notes are left out', () => {
     message('warning'),
   ];
   expect(counts(messages).map(({ text }) => text)).toEqual(['1 error', '2 warnings']);
-  expect(listed(messages)).toEqual([0, 2, 3]);
+  expect(linesOf(messages)).toEqual([
+    { index: 2, times: 1 },
+    { index: 0, times: 2 },
+  ]);
 });
 
 test('a place names its file where it is an include', () => {
