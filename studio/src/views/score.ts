@@ -46,7 +46,7 @@ export function scoreView(sight: Sight, element: HTMLElement, clock?: PlayClock)
 
   function bar(): HTMLElement {
     const legend = el('div', { class: 'legend', role: 'group', 'aria-label': 'Instruments' });
-    const pitch = el('select', { title: 'The p-field that is pitch' });
+    const pitch = el('select', { title: 'The p-field that is pitch', 'aria-label': 'Pitch' });
     pitch.addEventListener('change', () =>
       store.update({ pitchField: pitch.value === '' ? undefined : Number(pitch.value) }),
     );
