@@ -125,9 +125,11 @@ test('a piece plays to its end and the play head keeps time with the context', a
     }
   });
   console.log(`the play head strayed by ${(drift * 1000).toFixed(1)} ms`);
-  expect(
-    (await state(page)).lines.filter((line) => /late/.test(line)).length === 0 ? drift : 0,
-  ).toBeLessThan(0.02);
+  // Silence that had to be put in where Csound was late is not the play head's doing.
+  const late = (await state(page)).lines.map((line) =>
+    Number(/late by (\d+) ms/.exec(line)?.[1] ?? 0),
+  );
+  expect(drift).toBeLessThan(0.02 + late.reduce((sum, ms) => sum + ms, 0) / 1000);
   await until(page, 'stopped');
   expect((await state(page)).trouble).toBe('');
 });
@@ -145,7 +147,7 @@ test('from here is the block of the cursor', async () => {
   expect(await now(page)).toBeLessThan(7);
 });
 
-test('a stretch is played again and again, and its next turn is that of the newest text', async () => {
+test('a stretch is played again and again, until one says no more', async () => {
   const page = await begin(STEADY, PIECE);
   await page.evaluate(() => window.korvoStudio?.player.loop({ from: 0.5, to: 1.1 }));
   await page.getByRole('button', { name: /^Play \(/ }).click();
@@ -159,12 +161,11 @@ test('a stretch is played again and again, and its next turn is that of the newe
 });
 
 /** The frames where a WAV's first channel begins and ceases to sound; 24 bits, one channel. */
-function edges(wav: readonly number[]): { on: number[]; off: number[]; frames: number } {
-  const bytes = Uint8Array.from(wav);
-  const view = new DataView(bytes.buffer);
+function edges(wav: Uint8Array): { on: number[]; off: number[]; frames: number } {
+  const view = new DataView(wav.buffer, wav.byteOffset);
   const on: number[] = [];
   const off: number[] = [];
-  const frames = (bytes.length - 44) / 3;
+  const frames = (wav.length - 44) / 3;
   let sounding = false;
   for (let i = 0; i < frames; ++i) {
     const loud = view.getUint16(44 + 3 * i, true) !== 0 || view.getInt8(46 + 3 * i) !== 0;
@@ -174,11 +175,21 @@ function edges(wav: readonly number[]): { on: number[]; off: number[]; frames: n
   return { on, off, frames };
 }
 
-const rendered = (page: StudioPage['page']) =>
-  page.evaluate(async () => {
+/** The bytes of the rendered file; as text they come out of the page in a moment. */
+async function rendered(page: StudioPage['page']): Promise<Buffer> {
+  const text = await page.evaluate(async () => {
     const wav = await window.korvoStudio?.player.renderPiece();
-    return wav && [...wav];
+    if (!wav) return '';
+    const reader = new FileReader();
+    const read = new Promise((done) => {
+      reader.onload = done;
+    });
+    reader.readAsDataURL(new Blob([wav as Uint8Array<ArrayBuffer>]));
+    await read;
+    return String(reader.result).replace(/^.*,/, '');
   });
+  return Buffer.from(text, 'base64');
+}
 
 test('a rendered file sounds at the starts of the score and is silent in its rests', async () => {
   const page = await begin(STEADY, PIECE);
@@ -186,7 +197,7 @@ test('a rendered file sounds at the starts of the score and is silent in its res
     const [block] = window.korvoStudio?.store.get().made.score.blocks ?? [];
     return { starts: [...(block?.columns[0] ?? [])], durations: [...(block?.columns[1] ?? [])] };
   });
-  const wav = (await rendered(page)) ?? [];
+  const wav = await rendered(page);
   const { on, off } = edges(wav);
   expect(on).toHaveLength(score.starts.length);
   for (const [i, start] of score.starts.entries()) {
@@ -195,7 +206,7 @@ test('a rendered file sounds at the starts of the score and is silent in its res
     expect(Math.abs(end - start - (score.durations[i] ?? 9))).toBeLessThan(0.005);
   }
   // Once more, and the samples are the same.
-  expect(await rendered(page)).toEqual(wav);
+  expect((await rendered(page)).equals(wav)).toBe(true);
 });
 
 test('a file is rendered faster than it sounds, by a button, with progress', async () => {
@@ -252,10 +263,34 @@ test('a text that changes while a file is rendered: the file is of the text befo
       project: { ...project, orchestra: '; another' },
     })),
   );
-  expect(((await made) ?? []).length).toBeGreaterThan(44);
+  expect((await made).length).toBeGreaterThan(44);
   expect(await page.evaluate(() => window.korvoStudio?.store.get().notice)).toBe(
     'The sound is that of the piece as it was when rendering began.',
   );
+});
+
+test('a text that changes while it plays is heard when one plays again, and that is said', async () => {
+  const page = await begin(STEADY, LONG);
+  await page.getByRole('button', { name: /^Play \(/ }).click();
+  await until(page, 'playing');
+  await page.evaluate((text) => {
+    window.korvoStudio?.store.update(({ project }) => ({
+      project: { ...project, files: [{ name: 'piece', text }] },
+    }));
+  }, PIECE);
+  await page.getByText('an earlier version').waitFor();
+  expect((await state(page)).transport).toBe('playing');
+  await page.getByRole('button', { name: 'Stop' }).click();
+  expect((await state(page)).older).toBe(false);
+});
+
+test('a page that is left while it renders says so when it is back', async () => {
+  const page = await begin(undefined, LONG);
+  page.on('dialog', (dialog) => dialog.accept());
+  await page.evaluate(() => void window.korvoStudio?.player.renderPiece());
+  await page.waitForFunction(() => (window.korvoStudio?.store.get().sound.progress ?? 0) > 0);
+  await page.reload();
+  await page.getByText('The page was left while it rendered').waitFor();
 });
 
 const ENDLESS: readonly (readonly [string, string])[] = [
@@ -310,7 +345,7 @@ test('without a sound device that is said, and a file can be rendered all the sa
   await page.waitForFunction(() => window.korvoStudio?.store.get().sound.trouble !== '');
   expect((await state(page)).trouble).toMatch(/no sound device.*can still be rendered/);
   expect((await state(page)).transport).toBe('stopped');
-  expect(((await rendered(page)) ?? []).length).toBeGreaterThan(44);
+  expect((await rendered(page)).length).toBeGreaterThan(44);
 });
 
 test('a device that is closed while it plays ends the sound in words', async () => {
