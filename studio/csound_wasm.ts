@@ -22,6 +22,14 @@ export function packedCsound(): Buffer {
   return Buffer.from(packed, 'base64');
 }
 
+/** What lies beside the module, for whoever gets it with the page. */
+function licence(): string {
+  return `Csound ${version()} as WebAssembly, unchanged, from the npm package @csound/browser, packed by zlib.
+Its licence is the GNU Lesser General Public License, version 2.1 or later.
+Its source: https://github.com/csound/csound
+`;
+}
+
 /** Puts the module beside the page; `virtual:csound` tells its address, relative to the page. */
 export function csoundModule(): Plugin {
   const name = `assets/csound-${version()}.wasm.zlib`;
@@ -31,8 +39,9 @@ export function csoundModule(): Plugin {
     load: (id) =>
       id === '\0virtual:csound' ? `export default ${JSON.stringify(name)};` : undefined,
     buildStart() {
-      if (this.meta.watchMode || !this.emitFile) return;
+      if (this.meta.watchMode) return;
       this.emitFile({ type: 'asset', fileName: name, source: packedCsound() });
+      this.emitFile({ type: 'asset', fileName: `${name}.txt`, source: licence() });
     },
     configureServer(server) {
       server.middlewares.use((request, response, next) => {
