@@ -99,6 +99,11 @@ struct Listener {
   void (*expanded)(void *context, const char *line, std::size_t size) = nullptr;
   void (*block)(void *context, const BlockView &block) = nullptr;
   void (*progress)(void *context, const Progress &progress) = nullptr;
+  // Lines of a text that an `#if` has switched off, first and last included; neither its own line
+  // nor that of its `#endif` is one of them. Told behind the section, once for each text that has
+  // lines in it.
+  void (*dropped)(void *context, std::string_view file, std::int64_t firstLine,
+                  std::int64_t lastLine) = nullptr;
 };
 
 // ---- What a run needs

@@ -62,9 +62,36 @@ bool closesInLine(SourceReader &source, DroppedComments &comments, int outerDept
   return false;
 }
 
-ErrorCode dropSection(SourceReader &source, int outerDepth) {
+// The lines of a dropped section. What an include brings stands between lines of the text that asks
+// for it, so those of one text make one stretch. Line 0: the section has none of that text.
+struct DroppedLines {
+  std::int64_t first[kMaxFiles] = {};
+  std::int64_t last[kMaxFiles] = {};
+};
+
+void addLine(DroppedLines &lines, const Spot &spot) {
+  if (lines.first[spot.file] == 0) {
+    lines.first[spot.file] = spot.line;
+  }
+  lines.last[spot.file] = spot.line;
+}
+
+void tellDropped(const SourceReader &source, const DroppedLines &lines) {
+  const Listener &listener = source.messages->listener;
+  for (int file = 0; listener.dropped != nullptr && file < source.map.fileCount; ++file) {
+    if (lines.first[file] > 0) {
+      listener.dropped(listener.context, fileName(source.map, file), lines.first[file],
+                       lines.last[file]);
+    }
+  }
+}
+
+ErrorCode dropSection(SourceReader &source, int outerDepth, DroppedLines &lines) {
   DroppedComments comments;
-  while (!closesInLine(source, comments, outerDepth)) {
+  for (bool opensHere = true; !closesInLine(source, comments, outerDepth); opensHere = false) {
+    if (!opensHere) {
+      addLine(lines, source.origin.spot);
+    }
     ErrorCode error = inputEnded(source) ? kEndOfInput : fetchLine(source);
     if (error != kOk) {
       return error == kEndOfInput ? kEndifMissingAtEnd : error;
@@ -106,7 +133,10 @@ ErrorCode OpenConditional(SourceReader &source) {
   if (source.conditional.condition != 0.0F) {
     return kOk;
   }
-  return dropSection(source, outerDepth);
+  DroppedLines lines;
+  ErrorCode error = dropSection(source, outerDepth, lines);
+  tellDropped(source, lines);
+  return error;
 }
 
 ErrorCode CloseConditional(SourceReader &source) {

@@ -10,9 +10,9 @@ struct ConditionalState;
 struct SourceReader;
 
 // Opens a section, the position on the "i" of "if(", and, when its value is 0, drops the lines up
-// to its #endif. A value that cannot be read is no error: the value of the #if before it counts
-// again (0 at the start), though an unknown name in it prints its message. Error 117: the input
-// ends in a dropped section.
+// to its #endif and tells the listener which these were. A value that cannot be read is no error:
+// the value of the #if before it counts again (0 at the start), though an unknown name in it prints
+// its message. Error 117: the input ends in a dropped section.
 ErrorCode OpenConditional(SourceReader &source);
 
 // Closes a section, the position on the "e" of "endif". Error 118 when none is open, 113 when it is

@@ -195,9 +195,12 @@ void freeReplacements(ReplacementList &list) {
   list = ReplacementList{};
 }
 
+const char *fileName(const SourceMap &map, int file) {
+  return file == 0 ? map.mainName : map.names[file];
+}
+
 Place placeAt(const SourceMap &map, const Spot &spot, std::int32_t width) {
-  const char *name = spot.file == 0 ? map.mainName : map.names[spot.file];
-  return {name, spot.line, spot.column, behind(spot.column, width)};
+  return {fileName(map, spot.file), spot.line, spot.column, behind(spot.column, width)};
 }
 
 bool isPlain(const SourceMap &map, const LineOrigin &line, const ReplacementList &replacements) {

@@ -114,6 +114,9 @@ Origin originOf(const SourceMap &map, const LineOrigin &line, const ReplacementL
 Spot spotOf(const SourceMap &map, const LineOrigin &line, const ReplacementList &replacements,
             std::int32_t position);
 
+// What messages call a file.
+const char *fileName(const SourceMap &map, int file);
+
 // A place at a spot, `width` columns wide.
 Place placeAt(const SourceMap &map, const Spot &spot, std::int32_t width);
 

@@ -2,7 +2,9 @@
 """The whole runs once more, by the library in WebAssembly: the same bytes as everywhere else. One module makes them
 all, so that each also shows that the ones before it have left nothing behind.
 
-    runs_test.py NODE KORVO_WASM_RUNS_JS --left-out LIST [--filter TEXT] CHAPTER...
+    runs_test.py NODE RUNS_JS --left-out LIST [--filter TEXT] CHAPTER...
+
+RUNS_JS makes them: korvo_wasm_runs.js, or whole_runs.mjs of the npm package.
 
 Left out are the cases in LIST, which are about files and arguments, those that write to a device, and one that takes
 too long. A failing case prints one line, and what differs; the last line is the count.
@@ -27,7 +29,7 @@ TAKES_LONG = "regressions/condition-behind-the-last-expansion"
 def read_command_line():
     parser = argparse.ArgumentParser(description="Makes the whole runs in WebAssembly and compares every byte.")
     parser.add_argument("node", help="Node.js")
-    parser.add_argument("module", type=Path, help="korvo_wasm_runs.js")
+    parser.add_argument("module", type=Path, help="korvo_wasm_runs.js, whole_runs.mjs")
     parser.add_argument("chapters", nargs="+", type=Path, metavar="chapter", help="a file, or a folder of them")
     parser.add_argument("--left-out", type=Path, required=True, metavar="LIST", help="cases, each with a reason")
     parser.add_argument("--filter", default="", metavar="TEXT", help="only cases whose topic/name has TEXT, or is TEXT")
