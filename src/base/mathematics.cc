@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/same_bits.h"
+
 #ifdef __FAST_MATH__
 #error "-ffast-math changes digits of scores"
 #endif
@@ -22,12 +24,6 @@ namespace korvo {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// std::bit_cast, which not every C++ library has yet.
-template <typename To, typename From>
-constexpr To sameBits(From from) {
-  return __builtin_bit_cast(To, from);
-}
 
 // A number as the sum of two; `high` is `high + low`, rounded.
 struct Sum {

@@ -6,10 +6,11 @@
 #include "base/number_format.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+
+#include "base/same_bits.h"
 
 namespace korvo {
 
@@ -263,7 +264,7 @@ inline bool scaleQuickly(double magnitude, int decimals, std::uint64_t &scaled) 
   if (!(product < kWholeFrom)) {
     return false;
   }
-  scaled = std::bit_cast<std::uint64_t>(product + kWholeFrom) & kFractionBits;
+  scaled = sameBits<std::uint64_t>(product + kWholeFrom) & kFractionBits;
   return true;
 }
 

@@ -2,8 +2,9 @@
 // those before them, and 310 are thrown away before the first that is drawn.
 #include "base/random.h"
 
-#include <bit>
 #include <cstring>
+
+#include "base/same_bits.h"
 
 namespace korvo {
 
@@ -60,11 +61,11 @@ float drawUnitWithin(Random &random, float low, float high) {
   if (!(low <= high)) {
     return drawUnit(random);
   }
-  std::uint32_t lowest = std::bit_cast<std::uint32_t>(low);
-  std::uint32_t width = std::bit_cast<std::uint32_t>(high) - lowest;
+  std::uint32_t lowest = sameBits<std::uint32_t>(low);
+  std::uint32_t width = sameBits<std::uint32_t>(high) - lowest;
   for (;;) {
     for (std::uint32_t i = random.next; i < Random::kBatch; ++i) {
-      if (std::bit_cast<std::uint32_t>(random.units[i]) - lowest <= width) {
+      if (sameBits<std::uint32_t>(random.units[i]) - lowest <= width) {
         random.next = i + 1;
         return random.units[i];
       }
