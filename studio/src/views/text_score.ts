@@ -49,6 +49,7 @@ export function textScoreView(sight: Sight): DetailPart {
           'aria-selected': isChosen ? 'true' : 'false',
           'aria-setsize': lines().count,
           'aria-posinset': line + 1,
+          'aria-label': text.trim() === '' ? 'empty line' : undefined,
         },
         el('span', { class: 'line-number', 'aria-hidden': 'true' }, String(line + 1)),
         el('span', { class: 'line-text' }, text),

@@ -34,9 +34,9 @@ Tempos temposOf(const std::string &text) {
   korvo::Listener listener;
   listener.context = &tempos;
   listener.block = [](void *context, const korvo::BlockView &block) {
-    std::vector<float> ofBlock;
+    std::vector<float> ofBlock(kBeats);
     for (int beat = 0; beat < kBeats; ++beat) {
-      ofBlock.push_back(korvo::tempoAt(block, static_cast<float>(beat)));
+      ofBlock[static_cast<std::size_t>(beat)] = korvo::tempoAt(block, static_cast<float>(beat));
     }
     static_cast<Tempos *>(context)->push_back(ofBlock);
   };
