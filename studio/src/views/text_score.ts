@@ -49,10 +49,10 @@ export function textScoreView(sight: Sight): DetailPart {
           'aria-selected': isChosen ? 'true' : 'false',
           'aria-setsize': lines().count,
           'aria-posinset': line + 1,
-          'aria-label': text.trim() === '' ? 'empty line' : undefined,
         },
         el('span', { class: 'line-number', 'aria-hidden': 'true' }, String(line + 1)),
         el('span', { class: 'line-text' }, text),
+        text.trim() === '' && el('span', { class: 'unseen' }, 'empty line'),
       );
     },
   });
