@@ -73,11 +73,16 @@ struct BlockView {
   int pfieldCount = 0;              // of these
   std::uint32_t eventCount = 0;     // those that sound; rests are none
   const void *events = nullptr;     // for `visitEvents`
+  const void *tempos = nullptr;     // for `tempoAt`
 };
 
 // Hands every event of the block to `visit`, in the order of the score.
 void visitEvents(const BlockView &block, void *context,
                  void (*visit)(void *context, const Event &event));
+
+// The tempo, in beats a minute, with which the block converts a rhythm that begins at this beat of the
+// piece.
+float tempoAt(const BlockView &block, float beat);
 
 // A sign of life, at the beginning of a block and every 32,768 steps.
 struct Progress {

@@ -6,6 +6,7 @@
 #include "ddf/loops.h"
 #include "driver/run_state.h"
 #include "global/scanner.h"
+#include "global/tempo_map.h"
 #include "iblock/block_driver.h"
 #include "korvo/korvo.h"
 #include "preproc/conditional.h"
@@ -139,6 +140,10 @@ void visitEvents(const BlockView &block, void *context,
   forEachEvent(*static_cast<const EventList *>(block.events), [&](const EventRecord &record) {
     visit(context, {record.start, record.duration, valuesOf(record)});
   });
+}
+
+float tempoAt(const BlockView &block, float beat) {
+  return TempoAtBeat(*static_cast<const TempoMap *>(block.tempos), beat);
 }
 
 }  // namespace korvo

@@ -94,6 +94,7 @@ void tellBlock(const Generation &making) {
   view.pfields = pfields;
   view.eventCount = making.events.count;
   view.events = &making.events;
+  view.tempos = &making.global.tempo;
   listener.block(listener.context, view);
 }
 

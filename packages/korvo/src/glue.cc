@@ -34,6 +34,8 @@ void tellMessage(int severity, int number, int onStandardOutput, const char *tex
 // A block, then its p-fields, then its events by batches: `stride` floats lie between the beginnings of two columns.
 IMPORTED(block) void tellBlock(int number, int instrument, std::uint32_t eventCount);
 IMPORTED(pfield) void tellPfield(int number, const char *kind, int decimals);
+// The tempo at beat 0, 1, 2 and so on of the piece, as long as the answer is not 0.
+IMPORTED(tempo) int tellTempo(float beatsPerMinute);
 IMPORTED(events) void tellEvents(const float *columns, std::size_t stride, std::size_t count);
 
 IMPORTED(dropped)
@@ -114,7 +116,8 @@ void addEvent(void *context, const korvo::Event &event) {
   }
 }
 
-void block(void * /*context*/, const korvo::BlockView &block) {
+// The context says whether tempos are wanted.
+void block(void *context, const korvo::BlockView &block) {
   tellBlock(block.number, block.instrument, block.eventCount);
   for (int i = 0; i < block.pfieldCount; ++i) {
     tellPfield(block.pfields[i].number, block.pfields[i].kind, block.pfields[i].decimals);
@@ -123,6 +126,12 @@ void block(void * /*context*/, const korvo::BlockView &block) {
   Batch rows{columns, kBatchFloats / columns};
   korvo::visitEvents(block, &rows, addEvent);
   flush(rows);
+  if (*static_cast<const bool *>(context)) {
+    float beat = 0.0F;
+    while (tellTempo(korvo::tempoAt(block, beat)) != 0) {
+      beat += 1.0F;
+    }
+  }
 }
 
 void dropped(void * /*context*/, std::string_view file, std::int64_t firstLine,
@@ -157,6 +166,7 @@ enum Wish : unsigned {
   kEvents = 16,
   kExpanded = 32,
   kProgress = 64,
+  kTempos = 128,
 };
 
 enum Outcome { kComplete, kFailed, kNoRun };
@@ -181,7 +191,9 @@ EXPORTED(perform) int perform(unsigned wishes) {
   options.silent = (wishes & kSilent) != 0;
   options.tempoVerbose = (wishes & kTempoVerbose) != 0;
   options.places = (wishes & kPlaces) != 0;
+  bool wantsTempos = (wishes & kTempos) != 0;
   korvo::Listener listener;
+  listener.context = &wantsTempos;
   listener.message = message;
   listener.output = output;
   listener.dropped = dropped;

@@ -10,7 +10,16 @@ export type * from './types.ts';
 const OUT_OF_MEMORY = 32;
 
 function wishesOf(options: Options): number {
-  const { midi, silent, tempoVerbose, places = true, events = true, expanded, progress } = options;
+  const {
+    midi,
+    silent,
+    tempoVerbose,
+    places = true,
+    events = true,
+    expanded,
+    progress,
+    tempos,
+  } = options;
   return (
     (midi ? Wish.midi : 0) |
     (silent ? Wish.silent : 0) |
@@ -18,7 +27,8 @@ function wishesOf(options: Options): number {
     (places ? Wish.places : 0) |
     (events ? Wish.events : 0) |
     (expanded ? Wish.expanded : 0) |
-    (progress ? Wish.progress : 0)
+    (progress ? Wish.progress : 0) |
+    (tempos ? Wish.tempos : 0)
   );
 }
 
@@ -107,6 +117,7 @@ export async function load(options: LoadOptions = {}): Promise<Korvo> {
     block: (number, instrument, count) => running().block(number, instrument, count),
     pfield: (number, kind, decimals) => running().pfield(number, kind, decimals),
     events: (at, stride, count) => running().events(at, stride, count),
+    tempo: (beatsPerMinute) => running().tempo(beatsPerMinute),
     dropped: (at, size, firstLine, lastLine) => running().dropped(at, size, firstLine, lastLine),
     progress: (...progress) => running().progress(...progress),
   };

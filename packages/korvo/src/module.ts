@@ -34,6 +34,8 @@ export interface Calls {
   block(number: number, instrument: number, eventCount: number): void;
   pfield(number: number, kind: Address, decimals: number): void;
   events(columns: Address, stride: number, count: number): void;
+  /** Answers whether the next one is wanted. */
+  tempo(beatsPerMinute: number): number;
   dropped(file: Address, fileSize: number, firstLine: number, lastLine: number): void;
   progress(block: number, stage: Address, done: number, events: number): void;
 }
@@ -46,6 +48,7 @@ export const Wish = {
   events: 16,
   expanded: 32,
   progress: 64,
+  tempos: 128,
 } as const;
 
 export const Outcome = { complete: 0, failed: 1, noRun: 2 } as const;

@@ -25,6 +25,9 @@ export interface Run extends Calls {
 const SEVERITIES: readonly Severity[] = ['note', 'warning', 'error'];
 const LINE_END = new Uint8Array([10]);
 
+/** Beats of which a block tells the tempo, at most. */
+const MOST_BEATS = 1 << 15;
+
 /** Bytes of messages in a run. A short text can ask for gigabytes, and an engine that has no room for them just ends. */
 const MOST_SAID = 1 << 27;
 
@@ -43,6 +46,9 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
   let columns: Float32Array[] = [];
   let eventCount = 0;
   let eventsDone = 0;
+  let tempos: number[] = [];
+  let beatEnds = 0;
+  let end = 0;
 
   const memory = (at: Address, size: number): Uint8Array => module.bytes().subarray(at, at + size);
 
@@ -139,6 +145,28 @@ export function startRun(module: Module, content: string | Uint8Array, options: 
         from += stride;
       }
       eventsDone += count;
+    },
+    tempo(beatsPerMinute) {
+      const block = blocks.at(-1);
+      if (block === undefined) {
+        return 0;
+      }
+      if (tempos.length === 0) {
+        const [starts, durations] = block.columns;
+        starts?.forEach((start, i) => {
+          end = Math.max(end, start + (durations?.[i] ?? 0));
+        });
+      }
+      tempos.push(beatsPerMinute);
+      beatEnds += 60 / beatsPerMinute;
+      if (beatEnds < end && tempos.length < MOST_BEATS) {
+        return 1;
+      }
+      blocks[blocks.length - 1] = { ...block, tempos: Float32Array.from(tempos) };
+      tempos = [];
+      beatEnds = 0;
+      end = 0;
+      return 0;
     },
 
     dropped(at, size, firstLine, lastLine) {

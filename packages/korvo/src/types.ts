@@ -57,6 +57,8 @@ export interface Block {
    * their output kind (semitones for the pitch kinds).
    */
   readonly columns: readonly Float32Array[];
+  /** If asked for: the tempo at beats 0, 1, 2 and so on of the piece, up to the end of the block's last event. */
+  readonly tempos?: Float32Array;
 }
 
 /** A stretch of text that a condition switched off. Lines begin with 1; both are part of it. */
@@ -89,6 +91,8 @@ export interface Options {
   readonly places?: boolean;
   /** `blocks` are wanted; true if not given. */
   readonly events?: boolean;
+  /** `tempos` of the blocks are wanted; false if not given. They come with `events` only. */
+  readonly tempos?: boolean;
   /** The expanded text is wanted; false if not given. */
   readonly expanded?: boolean;
   /** Gives the text of an include by its name, exactly as it is written; undefined where there is none. */

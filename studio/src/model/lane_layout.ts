@@ -2,6 +2,7 @@
 // the greatest in each column of pixels; or how many notes begin in a second.
 import type { Block } from 'korvo';
 import type { Lane, Window } from '../core/state.ts';
+import { type Beats, beatAt, beatsIn } from './beats.ts';
 import type { ChosenSet } from './chosen.ts';
 import { convert } from './number_text.ts';
 import { firstFrom } from './overlaps.ts';
@@ -297,6 +298,31 @@ export function layoutDensity(index: RollIndex, window: Window, size: Size): Lan
     columns.push({ x, width: width > 6 ? width - 1 : width, y, height: ground - y, colour: -1 });
   }
   return { size, window: seen, points: [], columns, ticks: ticksOf(scale, false, size), words: '' };
+}
+
+/** The tempo in beats a minute, from beat to beat. */
+export function layoutTempo(
+  index: RollIndex,
+  beats: Beats | undefined,
+  window: Window,
+  size: Size,
+): LaneLayout {
+  const seen = resolve(window, index);
+  const empty = { size, window: seen, points: [], columns: [], ticks: [], words: '' };
+  if (!beats)
+    return { ...empty, words: index.score.noteCount > 0 ? 'The tempo is not known.' : '' };
+  const { least, most } = beats;
+  const scale = least < most ? { low: least, high: most } : { low: least - 1, high: most + 1 };
+  const columns: LaneColumn[] = [];
+  // Where beats are narrower than a pixel, one in each pixel stands for all.
+  const inSight = beatAt(beats, seen.to) - beatAt(beats, seen.from);
+  const every = Math.max(1, Math.ceil(inSight / size.width));
+  for (const { from, to, tempo } of beatsIn(beats, seen.from, seen.to, every)) {
+    const x = xOf(seen, from, size.width);
+    const width = Math.max(1, xOf(seen, to, size.width) - x);
+    columns.push({ x, width, y: yOfValue(scale, tempo, size) - 1, height: 2, colour: -1 });
+  }
+  return { ...empty, columns, ticks: ticksOf(scale, false, size) };
 }
 
 export function laneName({ what }: Lane): string {

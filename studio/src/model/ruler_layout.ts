@@ -1,6 +1,7 @@
 // What stands on the ruler: beats, seconds, and the names of the blocks where they begin.
 import type { Seconds } from 'korvo';
 import type { Window } from '../core/state.ts';
+import { type Beats, beatTicks } from './beats.ts';
 import type { RollIndex } from './roll_index.ts';
 import { type Tick, timeTicks } from './ticks.ts';
 import { resolve, type Size, xOf } from './window.ts';
@@ -20,11 +21,14 @@ export interface BlockName {
 export interface RulerLayout {
   readonly size: Size;
   readonly window: Window;
+  /** Empty where the tempo is not known. */
+  readonly beats: readonly Placed[];
   readonly seconds: readonly Placed[];
   readonly blocks: readonly BlockName[];
 }
 
 const TIME_GAP = 80;
+const BEAT_GAP = 36;
 const MOST_NAMES = 100;
 /** Width of a letter of the ruler, and what lies around and beside a name, in CSS pixels. */
 const LETTER = 6.5;
@@ -59,11 +63,17 @@ function layoutBlocks(index: RollIndex, window: Window, { width }: Size): BlockN
   return names;
 }
 
-export function layoutRuler(index: RollIndex, window: Window, size: Size): RulerLayout {
+export function layoutRuler(
+  index: RollIndex,
+  window: Window,
+  size: Size,
+  beats: Beats | undefined,
+): RulerLayout {
   const seen = resolve(window, index);
   const seconds = timeTicks(seen.from, seen.to, size.width, TIME_GAP).map((tick) => ({
     ...tick,
     x: xOf(seen, tick.value, size.width),
   }));
-  return { size, window: seen, seconds, blocks: layoutBlocks(index, seen, size) };
+  const ticks = beats ? beatTicks(beats, seen.from, seen.to, size.width, BEAT_GAP) : [];
+  return { size, window: seen, beats: ticks, seconds, blocks: layoutBlocks(index, seen, size) };
 }

@@ -110,7 +110,11 @@ export function timeAt({ from, to }: Window, x: number, width: number): Seconds 
   return from + (x / width) * (to - from);
 }
 
-export function xOf({ from, to }: Window, time: Seconds, width: number): number {
+export function xOf(
+  { from, to }: Pick<Window, 'from' | 'to'>,
+  time: Seconds,
+  width: number,
+): number {
   return ((time - from) / (to - from)) * width;
 }
 

@@ -17,7 +17,7 @@ export function runLive(store: Store<State>): { stop: () => void } {
     (state) => state.project.files,
     (files) => {
       store.update({ run: { kind: 'running', since: performance.now(), events: 0 } });
-      runner.run({ files, options: {} }, (outcome) => {
+      runner.run({ files, options: { tempos: true } }, (outcome) => {
         if (outcome.kind === 'stopped') {
           store.update({ run: outcome });
           return;

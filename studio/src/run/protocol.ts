@@ -6,7 +6,10 @@ export interface RunRequest {
   readonly id: number;
   /** The first is the piece, the others are its includes. */
   readonly files: readonly TextFile[];
-  readonly options: Pick<Options, 'midi' | 'silent' | 'tempoVerbose' | 'events' | 'expanded'>;
+  readonly options: Pick<
+    Options,
+    'midi' | 'silent' | 'tempoVerbose' | 'events' | 'tempos' | 'expanded'
+  >;
 }
 
 export type RunReply =

@@ -36,7 +36,8 @@ export class OrchestraError extends Error {}
 
 async function started(module: WebAssembly.Module, csd: string, say: Tell['say']): Promise<Csound> {
   const csound = await createCsound(module, say);
-  if (!csound.start(csd)) throw new OrchestraError('The orchestra has an error.');
+  if (!csound.start(csd))
+    throw new OrchestraError('The orchestra has an error: its tab tells where.');
   return csound;
 }
 

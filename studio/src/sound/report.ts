@@ -28,8 +28,6 @@ export function complaints(lines: readonly string[]): Complaint[] {
   const found: Complaint[] = [];
   for (const [i, text] of lines.entries()) {
     if (!SAYS.test(text)) continue;
-    // Of a note with more p-fields than its instrument reads there is one for every note.
-    if (/uses \d+ p-fields but is given/.test(text)) continue;
     const near = [text, ...lines.slice(i + 1, i + 3).filter((next) => !SAYS.test(next))];
     const told = near.map((line) => LINE.exec(line)?.[1]).find((number) => number !== undefined);
     const complaint: Complaint = {

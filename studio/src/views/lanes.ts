@@ -9,6 +9,7 @@ import {
   laneName,
   laneValuesOf,
   layoutDensity,
+  layoutTempo,
   layoutValues,
   notesInLane,
   valueAtY,
@@ -195,7 +196,9 @@ export function lanesView(sight: Sight): Lanes {
         const of = values();
         view.layout = of
           ? layoutValues(sight.index(), of, window, size, sight.chosen())
-          : layoutDensity(sight.index(), window, size);
+          : lane.what === 'tempo'
+            ? layoutTempo(sight.index(), sight.beats(), window, size)
+            : layoutDensity(sight.index(), window, size);
         draw(field.context, view.layout, lane.how, theme, theme.text);
         const { width } = begin(scale, theme.surface);
         drawScale(scale.context, view.layout, theme, width);

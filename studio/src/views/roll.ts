@@ -25,7 +25,7 @@ export interface Roll {
 }
 
 /** As --keys of the style. */
-export const KEYS_WIDTH = 64;
+export const KEYS_WIDTH = 72;
 /** A key or a button moves by this share of what is seen, and zooms by this factor. */
 const STEP = 0.15;
 export const ZOOM = 1.5;

@@ -15,7 +15,8 @@ export interface Ruler {
 const STILL = 4;
 const WHEEL_ZOOM = 0.0022;
 const NAMES_Y = 10;
-const SECONDS_Y = 30;
+const BEATS_Y = 27;
+const SECONDS_Y = 44;
 
 function draw(context: CanvasRenderingContext2D, layout: RulerLayout, theme: ThemeColours): void {
   const { width, height } = layout.size;
@@ -26,6 +27,11 @@ function draw(context: CanvasRenderingContext2D, layout: RulerLayout, theme: The
     context.fillRect(Math.round(x), height - 6, 1, 6);
     context.fillStyle = theme.dim;
     context.fillText(label, x + 4, SECONDS_Y);
+  }
+  context.fillStyle = theme.text;
+  for (const { x, label } of layout.beats) {
+    context.fillRect(Math.round(x), BEATS_Y - 7, 1, 14);
+    context.fillText(label, x + 4, BEATS_Y);
   }
   for (const { x, text, colour } of layout.blocks) {
     const at = Math.round(x);
@@ -58,7 +64,7 @@ export function rulerView(sight: Sight): Ruler {
     const theme = sight.theme();
     const size = begin(strip, theme.surface);
     if (size.width === 0) return;
-    layout = layoutRuler(sight.index(), store.get().window, size);
+    layout = layoutRuler(sight.index(), store.get().window, size, sight.beats());
     draw(strip.context, layout, theme);
   });
 

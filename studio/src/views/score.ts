@@ -35,7 +35,9 @@ export function scoreView(sight: Sight, element: HTMLElement, clock?: PlayClock)
   // ---- The bar
 
   function button(name: string, text: string, act: () => void): HTMLButtonElement {
-    const made = el('button', { type: 'button', title: name, 'aria-label': name }, text);
+    // A sign needs a name; a word is one.
+    const label = /^\w/.test(text) || text === '' ? undefined : name;
+    const made = el('button', { type: 'button', title: name, 'aria-label': label }, text);
     made.addEventListener('click', act);
     return made;
   }

@@ -2,6 +2,7 @@
 // all of them draw.
 import type { State, Window } from '../core/state.ts';
 import type { Store } from '../core/store.ts';
+import { type Beats, beatsOf } from '../model/beats.ts';
 import { type ChosenSet, chosenSet } from '../model/chosen.ts';
 import { type Layer, layersOf } from '../model/density.ts';
 import { type RollIndex, rollIndexOf } from '../model/roll_index.ts';
@@ -13,6 +14,8 @@ export interface Sight {
   readonly store: Store<State>;
   readonly frames: Frames;
   index(): RollIndex;
+  /** Undefined where the tempo is not known. */
+  beats(): Beats | undefined;
   layers(): readonly Layer[];
   chosen(): ChosenSet;
   images(): TileImages;
@@ -44,6 +47,10 @@ export function createSight(store: Store<State>, within: HTMLElement): Sight {
   const index = derived(
     () => [store.get().made.score, store.get().pitchField] as const,
     ([score, pitchField]) => rollIndexOf(score, pitchField),
+  );
+  const beats = derived(
+    () => [store.get().made.score] as const,
+    ([score]) => beatsOf(score),
   );
   const layers = derived(
     () => [index()] as const,
@@ -92,6 +99,7 @@ export function createSight(store: Store<State>, within: HTMLElement): Sight {
     store,
     frames,
     index,
+    beats,
     layers,
     chosen,
     images,

@@ -52,6 +52,7 @@ export function textScoreView(sight: Sight): DetailPart {
         },
         el('span', { class: 'line-number', 'aria-hidden': 'true' }, String(line + 1)),
         el('span', { class: 'line-text' }, text),
+        text.trim() === '' && el('span', { class: 'unseen' }, 'empty line'),
       );
     },
   });

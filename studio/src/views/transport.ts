@@ -103,6 +103,7 @@ export function transportView(store: Store<State>, player: Player, element: HTML
       meter.value = progress;
     },
   );
+  let said = '';
   const sound = ({ sound: { position, progress } }: State) => position + progress;
   store.watch(sound, showTime);
   store.watch(({ made }) => made.score.end, showTime);
@@ -114,7 +115,8 @@ export function transportView(store: Store<State>, player: Player, element: HTML
       mark.title =
         trouble || 'The text has changed: the new score is heard when it is played again';
       mark.classList.toggle('error', trouble !== '');
-      if (trouble) store.update({ notice: trouble });
+      if (trouble || store.get().notice === said) store.update({ notice: trouble });
+      said = trouble;
     },
   );
 }

@@ -17,7 +17,7 @@ afterEach(async () => {
 
 /** Two notes of steady sound: from 0.5 to 0.75 s and from 1 to 1.5 s, silence between them. */
 const PIECE = `te(60)
-i1 = 5 0 -2 {
+i1 = 5 .5 -2 {
   p2 re .5 .5
   p3 1000.25 1000.5
   p4 in 1

@@ -187,12 +187,38 @@ describe('the roll', () => {
   it('takes another p-field for pitch, or none', async () => {
     await run(FOUR);
     await page.getByLabel('Pitch', { exact: true }).selectOption('5');
-    // 40, 60, 80 and 100.5: the fourth is named a quarter tone above its note.
-    expect((await seen()).names).toEqual(['e3', 'c5', 'af6', 'e+8']);
+    // Values of 40, 60, 80 and 100.5, two semitones of room above, the row of i2 below.
+    const fifth = await seen();
+    expect([fifth.window.low, fifth.window.high]).toEqual([34, 102.5]);
+    const tops = fifth.boxes.slice(0, 4).map(({ y }) => y);
+    for (const [note, value] of [40, 60, 80, 100.5].entries())
+      expect(tops[note]).toBeCloseTo(((102.5 - value - 0.5) / 68.5) * fifth.height, 2);
     await page.getByLabel('Pitch', { exact: true }).selectOption('0');
-    expect((await seen()).names).toEqual([]);
+    const rows = await seen();
+    expect(rows.names).toEqual([]);
+    expect(new Set(rows.boxes.map(({ y }) => y)).size).toBe(2);
     await page.getByLabel('Pitch', { exact: true }).selectOption('');
     expect((await seen()).names.length).toBe(4);
+  });
+});
+
+describe('the ruler', () => {
+  it('has beats where the tempo puts them, and the names of the blocks', async () => {
+    await run(`te(0, 4, 60, 120, f)\n${FOUR}`);
+    const { beats, blocks, width } = await page.evaluate(() => {
+      const ruler = (window.korvoStudio as unknown as Shown).score.ruler();
+      return {
+        beats: ruler?.beats.map(({ label, x }) => [label, x] as const) ?? [],
+        blocks: ruler?.blocks.map(({ text }) => text) ?? [],
+        width: ruler?.size.width ?? 0,
+      };
+    });
+    // Notes of a beat begin at 0, 1, 1.8 and 2.467 s; the last ends with its beat at 3.038, and a fiftieth is room.
+    const second = width / (3.0381 * 1.02);
+    expect(beats.slice(0, 4).map(([label]) => label)).toEqual(['0', '1', '2', '3']);
+    for (const [beat, start] of [0, 1, 1.8, 2.4667].entries())
+      expect(beats[beat]?.[1]).toBeCloseTo(start * second, 0);
+    expect(blocks).toEqual(['1 i1', '2 i2']);
   });
 });
 

@@ -108,7 +108,7 @@ test('an orchestra with an error says which and where', async () => {
     '<CsoundSynthesizer>\n<CsInstruments>\ninstr 1\n a1 nonsense 3\nendin\n</CsInstruments>\n<CsScore>\ne\n</CsScore>\n</CsoundSynthesizer>';
   await expect(
     render(await csoundModule, { csd, depth: 16 }, { say: (l) => lines.push(l), alive: () => {} }),
-  ).rejects.toThrow('The orchestra has an error.');
+  ).rejects.toThrow('The orchestra has an error: its tab tells where.');
   expect(lines.join('\n')).toMatch(/nonsense/);
   expect(lines.join('\n')).toMatch(/line 4/);
 });

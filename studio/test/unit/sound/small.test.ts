@@ -90,7 +90,6 @@ test('errors and warnings are told with their line, each once', () => {
     'error: syntax error, unexpected T_IDENT  (token "nonsense")',
     ' from file *string* (1), line 4:',
     'INIT ERROR in instr 1 (opcode diskin2) line 7: failed to open file',
-    'WARNING: instr 1 uses 3 p-fields but is given 4',
     'WARNING: something odd',
     'WARNING: something odd',
   ];
