@@ -44,7 +44,7 @@ export function transportView(store: Store<State>, player: Player, element: HTML
   const play = button('play', FACES.stopped.title);
   play.classList.add('transport-play');
   const stop = button('stop', 'Stop (Ctrl+.)', icon('stop'), word('Stop'));
-  const loop = button('loop', 'Play again and again', icon('loop'), word('Loop'));
+  const loop = button('loop', 'Loop: play again and again', icon('loop'), word('Loop'));
   const now = el('span', { class: 'transport-now' });
   const whole = el('span', { class: 'transport-whole' });
   const time = el(

@@ -156,7 +156,7 @@ test('a stretch is played again and again, until one says no more', async () => 
   await after(page, 1);
   await page.waitForFunction(() => (window.korvoStudio?.player.clock.now() ?? 9) < 0.9);
   expect(await now(page)).toBeGreaterThanOrEqual(0.5);
-  await page.getByRole('button', { name: 'Play again and again' }).click();
+  await page.getByRole('button', { name: 'Loop: play again and again' }).click();
   await page.waitForFunction(() => window.korvoStudio?.store.get().sound.loop === undefined);
 });
 
