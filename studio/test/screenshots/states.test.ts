@@ -41,8 +41,12 @@ function write(...files: readonly { name: string; text: string }[]): Act {
 
 const piece = (text: string) => write({ name: 'piece', text });
 
-function example(name: string): Act {
-  return piece(readFileSync(join(ROOT, 'examples', name, 'piece.txt'), 'utf8'));
+function example(name: string, ...includes: readonly string[]): Act {
+  const text = (file: string) => readFileSync(join(ROOT, 'examples', name, file), 'utf8');
+  return write(
+    { name: 'piece', text: text('piece.txt') },
+    ...includes.map((file) => ({ name: file, text: text(file) })),
+  );
 }
 
 const many = (count: number) =>
@@ -50,14 +54,14 @@ const many = (count: number) =>
 i1 = 6 0 -${count} {
   p2 .05
   p3 .3
-  p4(op) no RW(T 1 [c2 c6] .1 .5)
+  p4(op) no RW(T 1 [c2 c6] .1 c4)
   p5(db) db MO(T 1 [60 70] [72 84])
   p6 RA(T 1 [0 1])
 }
 i3 = 5 0 -${count / 10} {
   p2 .5
   p3 2
-  p4(op) no RW(T 1 [c4 c7] .2 .5)
+  p4(op) no RW(T 1 [c4 c7] .2 c5)
   p5(db) db RA(T 1 [60 70])
 }
 `);
@@ -81,12 +85,12 @@ const states: Record<string, readonly Act[]> = {
       { name: 'melody.txt', text: '  p4(op) no RA(4 .6 [c4 c5] .5 [c5 c6])\n' },
     ),
   ],
-  'a-warning': [piece('te(120)\ni1 = 3 0 4 {\n  p2 .3\n  p3 rh 4 4 4 4 4 4\n}\n')],
+  'a-warning': [piece('te(120)\nrd(2)\ni1 = 3 0 -4 {\n  p2 .3\n  p3 .9\n}\n')],
   'too-long': [
     piece('i1 = 4 0 -9000000 {\n  p2 .00001\n  p3 1\n  p4 RW(T 1 [0 1] .00002 .5)\n}\n'),
   ],
   'ten-notes': [example('first')],
-  score: [example('canon'), pane('Score')],
+  score: [example('canon', 'melody.txt'), pane('Score')],
   'ten-thousand': [many(9100), pane('Score')],
   million: [many(910000), pane('Score')],
   'a-chosen-note': [
@@ -103,10 +107,12 @@ const states: Record<string, readonly Act[]> = {
     async ({ page }) => {
       await page.getByTitle('The piece: open, save, export').click();
       await page.getByText('Examples…').click();
-      await page.waitForFunction(() =>
-        [...document.querySelectorAll<HTMLImageElement>('.gallery img')].every(
-          (image) => image.complete && image.naturalWidth > 0,
-        ),
+      await page.waitForFunction(
+        () =>
+          document.querySelectorAll('.gallery img').length > 0 &&
+          [...document.querySelectorAll<HTMLImageElement>('.gallery img')].every(
+            (image) => image.complete && image.naturalWidth > 0,
+          ),
       );
     },
   ],
