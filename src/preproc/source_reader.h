@@ -79,7 +79,7 @@ struct SourceReader {
   SourceMap map;
   LineOrigin origin;
   ReplacementList replacements;  // in the line
-  bool wantsPlaces = false;      // messages tell where they stand
+  bool wantsPlaces = false;      // somebody is told where in the texts something stands
   std::int64_t placeSteps = 0;   // spent on finding that out
 
   RunValues values;

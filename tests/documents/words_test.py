@@ -74,7 +74,7 @@ class WordsTest(unittest.TestCase):
         marks = found("ddf/input_modes.cc", r"case '(.)':")
         self.assertEqual(set(words_of("marks")), {*marks, "4"})
         in_expressions = re.findall(r"c == '(.)'", found("ddf/expression.cc", r"isOperator\(char c\) (.*)")[0])
-        in_equations = list(found("preproc/equation.cc", r'isOneOf\(c, "([^" ]{5})"\)')[0])
+        in_equations = list(found("preproc/equation.cc", r'kOperators\("([^"]+)"\)')[0])
         self.assertEqual(words_of("operators"), in_expressions)
         self.assertEqual(words_of("operators"), in_equations)
 
