@@ -59,6 +59,7 @@ export function firstState(project: Project): State {
       ok: false,
       score: emptyScore,
       messages: [],
+      untold: 0,
       dropped: [],
       output: new Uint8Array(),
       files: [],

@@ -35,6 +35,8 @@ export interface Made {
   readonly ok: boolean;
   readonly score: Score;
   readonly messages: readonly Message[];
+  /** Warnings beyond those. */
+  readonly untold: number;
   readonly dropped: readonly DroppedLines[];
   /** Bytes of the score as the program writes it. */
   readonly output: Uint8Array;

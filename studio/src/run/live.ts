@@ -22,7 +22,7 @@ export function runLive(store: Store<State>): { stop: () => void } {
           store.update({ run: outcome });
           return;
         }
-        const { ok, blocks, messages, dropped, output } = outcome.result;
+        const { ok, blocks, messages, untold, dropped, output } = outcome.result;
         store.update(({ made }) => ({
           run: { kind: 'done', milliseconds: outcome.milliseconds },
           made: {
@@ -30,6 +30,7 @@ export function runLive(store: Store<State>): { stop: () => void } {
             score: ok ? scoreOf(blocks) : made.score,
             output: ok ? output : made.output,
             messages,
+            untold,
             dropped,
             files,
           },

@@ -2,6 +2,12 @@
 import type { Options, Result } from 'korvo';
 import type { TextFile } from '../core/state.ts';
 
+/** A result with no more messages than a list can show. */
+export interface Told extends Result {
+  /** Warnings that are not among its messages. */
+  readonly untold: number;
+}
+
 export interface RunRequest {
   readonly id: number;
   /** The first is the piece, the others are its includes. */
@@ -18,7 +24,7 @@ export type RunReply =
   | {
       readonly kind: 'done';
       readonly id: number;
-      readonly result: Result;
+      readonly result: Told;
       readonly milliseconds: number;
     }
   | { readonly kind: 'broken'; readonly why: string };

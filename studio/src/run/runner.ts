@@ -1,7 +1,6 @@
 // Runs pieces in a worker, one at a time: while one is under way only the newest request waits, and a run that a newer
 // text has made useless is ended when it has had its moment. A run that takes longer than its limit is ended, too.
-import type { Result } from 'korvo';
-import type { RunReply, RunRequest } from './protocol.ts';
+import type { RunReply, RunRequest, Told } from './protocol.ts';
 
 /** What a run may take when nothing newer waits. */
 export const LIMIT_MS = 10_000;
@@ -9,7 +8,7 @@ export const LIMIT_MS = 10_000;
 export const PATIENCE_MS = 250;
 
 export type Outcome =
-  | { readonly kind: 'done'; readonly result: Result; readonly milliseconds: number }
+  | { readonly kind: 'done'; readonly result: Told; readonly milliseconds: number }
   | { readonly kind: 'stopped'; readonly milliseconds: number; readonly why: string };
 
 export interface Runner {

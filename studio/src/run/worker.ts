@@ -1,7 +1,7 @@
 // The worker that runs pieces: a request comes in, the whole result goes out, its arrays handed over and not copied.
 // What takes too long is ended from outside, with the worker.
 import { load, type Result } from 'korvo';
-import type { RunReply, RunRequest } from './protocol.ts';
+import type { RunReply, RunRequest, Told } from './protocol.ts';
 
 const loading = load();
 
@@ -9,10 +9,10 @@ const loading = load();
 const MOST_MESSAGES = 1000;
 
 /** Without the notes, and no more than a list can show; errors, which are few, always. */
-function shorten(result: Result): Result {
+function shorten(result: Result): Told {
   const told = result.messages.filter(({ severity }) => severity !== 'note');
   const messages = told.filter((message, i) => i < MOST_MESSAGES || message.severity === 'error');
-  return { ...result, messages };
+  return { ...result, messages, untold: told.length - messages.length };
 }
 
 function reply(message: RunReply, transfer: Transferable[] = []): void {

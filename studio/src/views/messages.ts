@@ -22,9 +22,13 @@ const WORDS: readonly (readonly [Severity, string, string])[] = [
 ];
 
 /** "1 error  2 warnings", without the kinds that there are none of. */
-export function counts(messages: readonly Message[]): { severity: Severity; text: string }[] {
+export function counts(
+  messages: readonly Message[],
+  untold = 0,
+): { severity: Severity; text: string }[] {
   return WORDS.flatMap(([severity, one, many]) => {
-    const count = messages.filter((message) => message.severity === severity).length;
+    const told = messages.filter((message) => message.severity === severity).length;
+    const count = told + (severity === 'warning' ? untold : 0);
     return count === 0 ? [] : [{ severity, text: `${count} ${count === 1 ? one : many}` }];
   });
 }
@@ -154,7 +158,7 @@ export function messagesView(
     const all = linesOf(made.messages);
     shown = all.slice(0, MOST_SHOWN);
     at = -1;
-    const kinds = counts(made.messages);
+    const kinds = counts(made.messages, made.untold);
     element.classList.toggle('none', all.length === 0);
     summary.replaceChildren(
       ...kinds.map(({ severity, text }) =>
@@ -174,7 +178,7 @@ export function messagesView(
     summary.title = layout.messagesOpen ? 'Fold the messages away' : 'Show the messages';
     summary.setAttribute('aria-expanded', String(layout.messagesOpen));
     list.hidden = !layout.messagesOpen;
-    more = all.length - shown.length;
+    more = all.length - shown.length + made.untold;
     list.replaceChildren();
     list.scrollTop = 0;
     if (layout.messagesOpen) drawRows(PAGE);
