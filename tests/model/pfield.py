@@ -390,8 +390,8 @@ def decibels(run, t):
 
 
 def rhythm(run, t):
-    """4 is one beat; each dot adds half of what was added last; "," ties. The first number's
-    sign negates the sum, a later one's its own part."""
+    """4 is one beat; each dot adds half of what was added last; "," adds the next length, dots and
+    all. The first number's sign negates the sum, a later one's its own part."""
     total, negative = 0.0, None
     while True:
         number = t.read_short()
@@ -399,12 +399,12 @@ def rhythm(run, t):
             return None
         if negative is None:
             negative, number = number < 0, abs(number)
-        part = div(4.0, float(number))
-        total = add(total, part)
+        length = part = div(4.0, float(number))
         while t.ch() == '.':
             t.pos += 1
             part = div(part, 2.0)
-            total = add(total, part)
+            length = add(length, part)
+        total = add(total, length)
         if t.ch() != ',':
             return -total if negative else total
         t.pos += 1
