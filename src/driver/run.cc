@@ -93,7 +93,8 @@ void connect(Run &run, const Options &options, const Listener &listener) {
   run.messages.printed = options.alreadySaid;
   run.output.listener = listener;
   run.source.messages = &run.messages;
-  run.source.wantsPlaces = options.places || listener.dropped != nullptr;
+  run.source.wantsPlaces = options.places;
+  run.source.followsLines = options.places || listener.dropped != nullptr;
   run.source.random = &run.making.global.random;
   run.source.values.tempo = &run.making.global.tempo.current;
   run.making.messages = &run.messages;

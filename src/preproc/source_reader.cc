@@ -134,7 +134,7 @@ ErrorCode fetchLine(SourceReader &source) {
   if (source.input.failed) {
     return kTemporaryFileLost;
   }
-  if (source.wantsPlaces) {
+  if (source.followsLines) {
     nextLine(source.origin, source.map, static_cast<std::int64_t>(length),
              source.line[length - 1] == '\n');
   }

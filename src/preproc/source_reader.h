@@ -75,11 +75,12 @@ struct SourceReader {
   // The positions that belong to a macro definition; constants there stay as they are.
   bool marked[kLineBytes] = {};
 
-  // Where the text comes from. Lines and replacements are followed only when somebody wants places.
+  // Where the text comes from. Replacements are followed only when messages tell their places.
   SourceMap map;
   LineOrigin origin;
   ReplacementList replacements;  // in the line
-  bool wantsPlaces = false;      // somebody is told where in the texts something stands
+  bool wantsPlaces = false;      // messages tell where they stand
+  bool followsLines = false;     // so do dropped lines, of which somebody is told
   std::int64_t placeSteps = 0;   // spent on finding that out
 
   RunValues values;
